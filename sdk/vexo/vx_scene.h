@@ -14,6 +14,8 @@
 #include "vexo/vx_result.h"
 
 class IVxScene;
+class IVxLocatorService;
+class IVxMeshService;
 
 using VxTypeCode = std::int32_t;
 constexpr VxTypeCode VX_TYPE_ANY = -1;  // "every item" in scene queries
@@ -95,6 +97,10 @@ class IVxScene {
   // The scene's current evaluation time in seconds.
   virtual double Time() const = 0;
   virtual VxResult SetTime(double time) = 0;
+
+  // Further views of the scene (vx_locator.h, vx_mesh.h); null when the host has none.
+  virtual IVxLocatorService* LocatorService() { return nullptr; }
+  virtual IVxMeshService* MeshService() { return nullptr; }
 
  protected:
   ~IVxScene() = default;
