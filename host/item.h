@@ -57,6 +57,7 @@ class CVxChannelRead {
   CVxChannelRead& operator=(CVxChannelRead&& other) noexcept;
 
   bool test() const { return read_ != nullptr; }
+  IVxChannelRead* raw() const { return read_; }
   // Each read returns false and leaves `value` as it was when it fails.
   bool integer(const CVxUser_Item& item, int channel, std::int32_t& value) const;
   bool real(const CVxUser_Item& item, int channel, double& value) const;

@@ -10,6 +10,9 @@
 #include "gltf/document.h"
 #include "gltf_log_msg.h"
 #include "host/scene.h"
+#include "scene/item_types.h"
+#include "scene/node_walk.h"
+#include "scene/scene_scan.h"
 
 struct ExportState {
   GltfLogMsg log;
@@ -20,6 +23,9 @@ struct ExportState {
   std::unique_ptr<GltfDocument> document;
   std::uint32_t documentRoot = GltfDocument::kNone;
   CVxUser_Scene scene;
+  ItemTypes types{};
+  SceneScan scan;
+  ItemNodeMap itemNodes;
   // The render resolution, read when cameras are exported.
   std::int32_t renderWidth = 720;
   std::int32_t renderHeight = 480;

@@ -1,5 +1,6 @@
 #include "gltf_saver.h"
 
+#include "export/geometry/mesh_export.h"
 #include "host/user_values.h"
 
 VxResult GltfSaverBase::lastResult[2] = {VXR_OK, VXR_OK};
@@ -50,6 +51,8 @@ void GltfSaverBase::InitSaver(const CVxUser_Scene& scene) {
   state_.document = std::make_unique<GltfDocument>(settings);
   state_.documentRoot = state_.document->root();
   state_.scene = scene;
+  state_.types = ItemTypes::lookup();
+  state_.scan = scanScene(scene, state_.options, state_.types, state_.log);
 }
 
 VxResult GltfSaverBase::RunSaver() {
@@ -59,6 +62,11 @@ VxResult GltfSaverBase::RunSaver() {
     state_.log.reportError("Failed to export GLTF!");
     return VXR_FAILED;
   }
+
+  MeshExporter meshes(state_.scene, state_.options, state_.log, *state_.document);
+  NodeWalkContext nodes{state_.scene,     state_.options,      state_.types, state_.log,
+                        *state_.document, state_.documentRoot, &meshes,      state_.itemNodes};
+  walkNodes(nodes, state_.scan.rootItems);
 
   if (state_.options.cameras != 0) readRenderResolution();
 
@@ -77,7 +85,7 @@ VxResult GltfSaverBase::RunSaver() {
 void GltfSaverBase::readRenderResolution() {
   state_.renderWidth = 720;
   state_.renderHeight = 480;
-  const CVxUser_Item render = state_.scene.firstItem(CVxItemTypes::lookup("polyRender"));
+  const CVxUser_Item render = state_.scene.firstItem(state_.types.polyRender);
   if (!render.test()) return;
   const CVxChannelRead read = state_.scene.channelRead("edit", state_.scene.time());
   read.integer(render, render.channelIndex("resX"), state_.renderWidth);

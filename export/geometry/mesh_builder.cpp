@@ -1,0 +1,98 @@
+#include "mesh_builder.h"
+
+#include <cstring>
+
+namespace {
+constexpr std::uint32_t kEnd = 0xffffffffu;
+}
+
+MeshBuilder::MeshBuilder(const MeshMaps& maps, unsigned pointCount, bool splitByTag)
+    : maps_(maps), splitByTag_(splitByTag), pointHead_(pointCount, kEnd) {
+  uvBase_ = 4 * maps.colours.size();
+  tangentBase_ = uvBase_ + 3 * maps.uvs.size();
+  stride_ = tangentBase_ + 6 * maps.tangentBases.size();
+  corner_.resize(stride_);
+}
+
+std::uint32_t MeshBuilder::primitiveFor(const char* tag) {
+  if (!splitByTag_) {
+    if (primitives_.empty()) primitives_.emplace_back();
+    return 0;
+  }
+  // Neighbouring polygons mostly share their material: try the last one first.
+  if (!primitives_.empty() && primitives_[lastPrimitive_].tag == tag) return lastPrimitive_;
+  for (std::uint32_t i = 0; i < primitives_.size(); ++i)
+    if (primitives_[i].tag == tag) return lastPrimitive_ = i;
+  primitives_.emplace_back();
+  primitives_.back().tag = tag;
+  return lastPrimitive_ = static_cast<std::uint32_t>(primitives_.size() - 1);
+}
+
+VxResult MeshBuilder::Polygon(const IVxPolygon& polygon) {
+  const char* tag = polygon.Tag(VX_PTAG_MATERIAL);
+  const std::uint32_t primitive = primitiveFor(tag ? tag : "Default");
+  const unsigned triangles = polygon.TriangleCount();
+  for (unsigned t = 0; t < triangles; ++t) {
+    unsigned points[3];
+    if (VxFailed(polygon.Triangle(t, points))) continue;
+    for (unsigned point : points) {
+      if (point >= pointHead_.size()) return VXR_OUTOFBOUNDS;
+      addCorner(polygon, primitive, point);
+    }
+  }
+  return VXR_OK;
+}
+
+void MeshBuilder::addCorner(const IVxPolygon& polygon, std::uint32_t primitive, unsigned point) {
+  // The normal: the stored map's value at the corner, else the host's smoothed one.
+  double normal[3] = {0.0, 0.0, 0.0};
+  float stored[6];
+  if (maps_.normal != VX_MAP_NONE && VxOk(polygon.MapEvaluate(maps_.normal, point, stored))) {
+    normal[0] = stored[0], normal[1] = stored[1], normal[2] = stored[2];
+  } else {
+    polygon.CornerNormal(point, normal);
+  }
+
+  float* value = corner_.data();
+  for (std::size_t i = 0; i < maps_.colours.size(); ++i, value += 4) {
+    value[0] = value[1] = value[2] = value[3] = 0.0f;
+    if (VxFailed(polygon.MapEvaluate(maps_.colours[i], point, value))) continue;
+    if (!maps_.colourHasAlpha[i]) value[3] = 1.0f;
+  }
+  for (VxMapID uv : maps_.uvs) {
+    value[0] = value[1] = 0.0f;
+    value[2] = VxOk(polygon.MapEvaluate(uv, point, value)) ? 1.0f : 0.0f;
+    value += 3;
+  }
+  for (VxMapID basis : maps_.tangentBases) {
+    std::memset(value, 0, 6 * sizeof(float));
+    polygon.MapEvaluate(basis, point, value);
+    value += 6;
+  }
+
+  // Reuse a vertex of this point in this primitive whose values are all equal.
+  PrimitiveBuild& build = primitives_[primitive];
+  for (std::uint32_t v = pointHead_[point]; v != kEnd; v = vertexNext_[v]) {
+    if (vertexPrimitive_[v] != primitive) continue;
+    const std::uint32_t local = vertexLocal_[v];
+    const double* n = &build.normals[3 * std::size_t(local)];
+    if (n[0] != normal[0] || n[1] != normal[1] || n[2] != normal[2]) continue;
+    const float* values = build.values.data() + stride_ * local;
+    bool same = true;
+    for (std::size_t k = 0; k < stride_ && same; ++k) same = values[k] == corner_[k];
+    if (!same) continue;
+    build.indices.push_back(local);
+    return;
+  }
+
+  const std::uint32_t local = static_cast<std::uint32_t>(build.vertexPoint.size());
+  build.vertexPoint.push_back(point);
+  build.normals.insert(build.normals.end(), normal, normal + 3);
+  build.values.insert(build.values.end(), corner_.begin(), corner_.end());
+  build.indices.push_back(local);
+
+  vertexNext_.push_back(pointHead_[point]);
+  vertexPrimitive_.push_back(primitive);
+  vertexLocal_.push_back(local);
+  pointHead_[point] = static_cast<std::uint32_t>(vertexNext_.size() - 1);
+}

@@ -1,0 +1,110 @@
+#include "vertex_attributes.h"
+
+#include <cmath>
+#include <string>
+
+namespace {
+
+struct Vec3 {
+  double x, y, z;
+};
+double dot(const Vec3& a, const Vec3& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+Vec3 cross(const Vec3& a, const Vec3& b) { return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x}; }
+Vec3 scaled(const Vec3& a, double s) { return {a.x * s, a.y * s, a.z * s}; }
+Vec3 minus(const Vec3& a, const Vec3& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
+
+// Unit length, or false when the vector has no usable direction.
+bool normalise(Vec3& v) {
+  const double length = std::sqrt(dot(v, v));
+  if (!(length > 1e-20) || !std::isfinite(length)) return false;
+  v = scaled(v, 1.0 / length);
+  return true;
+}
+
+// Any unit vector at right angles to the unit vector n.
+Vec3 perpendicular(const Vec3& n) {
+  Vec3 axis = std::fabs(n.x) < 0.9 ? Vec3{1, 0, 0} : Vec3{0, 1, 0};
+  Vec3 t = cross(axis, n);
+  normalise(t);
+  return t;
+}
+
+// glTF wants unit normals; a zero or broken one points up rather than nowhere.
+Vec3 unitNormal(const double* n) {
+  Vec3 v{n[0], n[1], n[2]};
+  if (!normalise(v)) v = {0.0, 0.0, 1.0};
+  return v;
+}
+
+}  // namespace
+
+std::vector<float> readPositions(const CVxMesh& mesh) {
+  const unsigned count = mesh.pointCount();
+  std::vector<float> positions(3 * std::size_t(count), 0.0f);
+  double position[3];
+  for (unsigned point = 0; point < count; ++point) {
+    if (!mesh.pointPosition(point, position)) continue;
+    for (int axis = 0; axis < 3; ++axis) positions[3 * std::size_t(point) + axis] = static_cast<float>(position[axis]);
+  }
+  return positions;
+}
+
+std::vector<GltfAttribute> writeVertexAttributes(GltfDocument& document, const MeshBuilder& builder,
+                                                 const PrimitiveBuild& build, const MeshMaps& maps,
+                                                 const std::vector<float>& positions) {
+  const std::size_t vertices = build.vertexPoint.size();
+  const std::size_t stride = builder.stride();
+  std::vector<GltfAttribute> attributes;
+
+  std::vector<float> data;
+  data.reserve(4 * vertices);
+  for (std::uint32_t point : build.vertexPoint)
+    data.insert(data.end(), positions.begin() + 3 * std::size_t(point), positions.begin() + 3 * std::size_t(point) + 3);
+  attributes.push_back({"POSITION", document.addFloatAccessor(GltfAccessorType::Vec3, data, true)});
+
+  std::vector<Vec3> normals(vertices);
+  data.clear();
+  for (std::size_t v = 0; v < vertices; ++v) {
+    normals[v] = unitNormal(&build.normals[3 * v]);
+    data.insert(data.end(), {float(normals[v].x), float(normals[v].y), float(normals[v].z)});
+  }
+  attributes.push_back({"NORMAL", document.addFloatAccessor(GltfAccessorType::Vec3, data, false)});
+
+  for (std::size_t set = 0; set < maps.colours.size(); ++set) {
+    data.clear();
+    for (std::size_t v = 0; v < vertices; ++v) {
+      const float* colour = &build.values[v * stride + builder.colourOffset(set)];
+      data.insert(data.end(), colour, colour + 4);
+    }
+    attributes.push_back({"COLOR_" + std::to_string(set), document.addFloatAccessor(GltfAccessorType::Vec4, data, false)});
+  }
+
+  // The host's texture space starts at the bottom left, glTF's at the top left.
+  for (std::size_t set = 0; set < maps.uvs.size(); ++set) {
+    data.clear();
+    for (std::size_t v = 0; v < vertices; ++v) {
+      const float* uv = &build.values[v * stride + builder.uvOffset(set)];
+      data.insert(data.end(), {uv[0], 1.0f - uv[1]});
+    }
+    attributes.push_back(
+        {"TEXCOORD_" + std::to_string(set), document.addFloatAccessor(GltfAccessorType::Vec2, data, false)});
+  }
+
+  // glTF has one tangent set: the first basis map gives it. The tangent is
+  // made unit and square to the normal; w tells the bitangent's side.
+  if (!maps.tangentBases.empty()) {
+    data.clear();
+    for (std::size_t v = 0; v < vertices; ++v) {
+      const float* basis = &build.values[v * stride + builder.tangentOffset(0)];
+      const Vec3& n = normals[v];
+      const Vec3 bitangent{basis[3], basis[4], basis[5]};
+      Vec3 tangent{basis[0], basis[1], basis[2]};
+      tangent = minus(tangent, scaled(n, dot(n, tangent)));
+      if (!normalise(tangent)) tangent = perpendicular(n);
+      const float w = dot(cross(n, tangent), bitangent) < 0.0 ? -1.0f : 1.0f;
+      data.insert(data.end(), {float(tangent.x), float(tangent.y), float(tangent.z), w});
+    }
+    attributes.push_back({"TANGENT", document.addFloatAccessor(GltfAccessorType::Vec4, data, false)});
+  }
+  return attributes;
+}

@@ -1,0 +1,14 @@
+// The host type codes the export looks up once per save.
+#pragma once
+
+#include "vexo/vx_scene.h"
+
+struct ItemTypes {
+  VxTypeCode scene, locator, groupLocator, camera, light, sunLight, pointLight, spotLight, areaLight,
+      lightMaterial, mesh, meshInst, triSurf, morphDeform, txtrLocator, polyRender, mask, advancedMaterial,
+      imageMap, deformGroup, scale, rotation, translation, transform, shear, ikFullBody, actionclip, group,
+      unityShader, unrealShader, replicator;
+
+  // Looks every type name up through the host, in a fixed order.
+  static ItemTypes lookup();
+};

@@ -1,0 +1,68 @@
+#include "node_walk.h"
+
+#include <deque>
+#include <utility>
+
+#include "camera_record.h"
+
+namespace {
+
+bool skipsSubtree(const NodeWalkContext& context, const CVxUser_Item& item) {
+  const ItemTypes& types = context.types;
+  if (item.isA(types.lightMaterial) || item.isA(types.txtrLocator) || item.isA(types.morphDeform) ||
+      item.isA(types.light))
+    return true;
+  return item.isA(types.camera) && context.options.cameras == 0;
+}
+
+bool carriesGeometry(const NodeWalkContext& context, const CVxUser_Item& item) {
+  const ItemTypes& types = context.types;
+  if (context.options.geometry == 0) return false;
+  return item.isA(types.mesh) || item.isA(types.meshInst) || item.isA(types.triSurf);
+}
+
+std::uint32_t createNode(NodeWalkContext& context, const CVxUser_Item& item, std::uint32_t parentNode) {
+  const std::string name = item.name();
+  if (name == "MorphGroup" || name == "TextureGroup") return GltfDocument::kNone;
+
+  std::uint32_t mesh = GltfDocument::kNone;
+  if (context.meshes && carriesGeometry(context, item)) mesh = context.meshes->exportMesh(item);
+  std::uint32_t camera = GltfDocument::kNone;
+  if (item.isA(context.types.camera)) camera = addCameraRecord(context.scene, item, context.document);
+
+  const std::uint32_t node = context.document.addNode(parentNode, name.c_str());
+  if (mesh != GltfDocument::kNone) context.document.setNodeMesh(node, mesh);
+  if (camera != GltfDocument::kNone) context.document.setNodeCamera(node, camera);
+  chooseTransform(context, item, node, parentNode);
+  return node;
+}
+
+}  // namespace
+
+VxResult walkNodes(NodeWalkContext& context, const std::vector<CVxUser_Item>& rootItems) {
+  const bool withChildren = context.options.exportType == 0 || context.options.exportType == 2;
+  std::deque<std::pair<std::uint32_t, CVxUser_Item>> stack;
+
+  for (const CVxUser_Item& root : rootItems) {
+    if (!root.isA(context.types.locator)) continue;
+    stack.emplace_back(context.documentRoot, root);
+    while (!stack.empty()) {
+      const auto [parentNode, item] = stack.back();
+      stack.pop_back();
+      if (!item.test()) {
+        context.log.error("Failed to set item");
+        return VXR_FAILED;
+      }
+      if (skipsSubtree(context, item)) continue;
+
+      const std::uint32_t node = createNode(context, item, parentNode);
+      if (node == GltfDocument::kNone) continue;
+      context.itemNodes.add(item, node);
+
+      // Children go on the stack last to first, so the first child comes off first.
+      if (!withChildren) continue;
+      for (unsigned i = item.childCount(); i-- > 0;) stack.emplace_back(node, item.child(i));
+    }
+  }
+  return VXR_OK;
+}
