@@ -1,0 +1,106 @@
+#include "command/save_command.h"
+
+#include <cstdio>
+#include <memory>
+
+#include "engine/scene.h"
+#include "loader/plugin_loader.h"
+#include "scenefile/scene_file.h"
+#include "sdk_impl/sdk_host.h"
+#include "sdk_impl/sdk_scene.h"
+#include "services/host_services.h"
+
+namespace vexo {
+namespace {
+
+class SaveTarget final : public IVxSaveTarget {
+ public:
+  SaveTarget(IVxScene& scene, bool real) : scene_(scene), real_(real) {}
+  IVxScene* Scene() override { return &scene_; }
+  bool IsRealSave() const override { return real_; }
+
+ private:
+  IVxScene& scene_;
+  bool real_;
+};
+
+// Releases a saver instance however the save ends.
+struct SaverReleaser {
+  void operator()(IVxSaver* saver) const { saver->Release(); }
+};
+
+bool endsWith(std::string_view text, std::string_view suffix) {
+  return text.size() >= suffix.size() && text.substr(text.size() - suffix.size()) == suffix;
+}
+
+std::string hex(VxResult result) {
+  char text[16];
+  std::snprintf(text, sizeof text, "0x%08X", static_cast<unsigned>(result));
+  return text;
+}
+
+bool listsInterface(IVxFactory& factory, std::string_view name) {
+  for (unsigned i = 0; i < factory.InterfaceCount(); ++i)
+    if (const char* listed = factory.InterfaceName(i); listed && listed == name) return true;
+  return false;
+}
+
+int usageError(std::ostream& err, const std::string& message) {
+  err << "vexo: " << message << '\n';
+  return kExitUsage;
+}
+
+}  // namespace
+
+const char* saverName(std::string_view format, std::string_view destination) {
+  if (format == "gltf" || (format.empty() && endsWith(destination, ".gltf"))) return "gltf.gltf";
+  return "gltf.bin";
+}
+
+int runSave(const SaveRequest& request, std::ostream& err) {
+  HostServices services(&err);
+  for (const std::string& setting : request.settings) {
+    std::size_t equals = setting.find('=');
+    if (equals == std::string::npos || equals == 0)
+      return usageError(err, "--set takes KEY=VALUE, not \"" + setting + "\"");
+    services.userValues.set(setting.substr(0, equals), std::string_view(setting).substr(equals + 1));
+  }
+
+  Scene scene;
+  std::string error;
+  if (!readSceneFile(request.scenePath, scene, error)) return usageError(err, error);
+  for (const std::string& ref : request.select) {
+    Item* item = findItemByRef(scene, ref, &error);
+    if (!item) return usageError(err, "--select " + ref + ": " + error);
+    scene.select(*item);
+  }
+
+  // Declared before the plug-in and its saver, which may hold its item pointers until released.
+  SdkScene sdkScene(scene);
+  SdkHost host(services);
+  const std::string path = pluginPath(request.pluginPath);
+  std::unique_ptr<LoadedPlugin> plugin = LoadedPlugin::load(path, host, error);
+  if (!plugin) return usageError(err, error);
+
+  const char* server = saverName(request.format, request.destination);
+  IVxFactory* factory = host.findServer(server);
+  if (!factory || !listsInterface(*factory, VX_INTERFACE_SAVER))
+    return usageError(err, "plug-in \"" + path + "\" has no saver \"" + server + "\"");
+  std::unique_ptr<IVxSaver, SaverReleaser> saver(factory->SpawnSaver());
+  if (!saver) return usageError(err, "saver \"" + std::string(server) + "\" could not be created");
+
+  SaveTarget verify(sdkScene, false);
+  VxResult result = saver->Save(&verify, request.destination.c_str());
+  if (VxOk(result) && !request.verifyOnly) {
+    SaveTarget real(sdkScene, true);
+    result = saver->Save(&real, request.destination.c_str());
+  }
+  saver.reset();
+  if (VxFailed(result)) {
+    err << "vexo: saving \"" << request.destination << "\" failed with result " << hex(result) << '\n';
+    return kExitSaveFailed;
+  }
+  return kExitOk;
+}
+
+}  // namespace vexo

@@ -1,0 +1,34 @@
+// `vexo save`: load a scene file and the plug-in, run the verify pass and the real save.
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vexo {
+
+enum ExitCode : int {
+  kExitOk = 0,
+  kExitSaveFailed = 1,  // the saver returned a failure
+  kExitUsage = 2,       // bad arguments, scene file, selection or plug-in
+};
+
+struct SaveRequest {
+  std::string scenePath;
+  std::string destination;
+  std::string format;                 // "glb", "gltf", or empty to go by the destination
+  std::vector<std::string> settings;  // "KEY=VALUE" user values
+  std::vector<std::string> select;    // items added to the scene file's selection, in order
+  std::string pluginPath;             // empty: see pluginPath()
+  bool verifyOnly = false;
+};
+
+// The saver server for a format: "gltf.gltf" for "gltf", or for no format
+// and a destination ending in ".gltf"; "gltf.bin" otherwise.
+const char* saverName(std::string_view format, std::string_view destination);
+
+// Runs one save. The event log and the command's own errors go to `err`.
+int runSave(const SaveRequest& request, std::ostream& err);
+
+}  // namespace vexo

@@ -1,0 +1,34 @@
+#include "engine/item.h"
+
+#include <utility>
+
+namespace vexo {
+
+Item::Item(const ItemType& type, std::string name, std::string ident)
+    : type_(&type), name_(std::move(name)), ident_(std::move(ident)), values_(type.channels.size()) {}
+
+bool Item::setValue(std::size_t channel, std::string_view action, Value value) {
+  if (channel >= values_.size() || valueTypeOf(value) != this->channel(channel).type) return false;
+  ActionValues& values = values_[channel];
+  auto it = values.find(action);
+  if (it == values.end())
+    values.emplace(std::string(action), std::move(value));
+  else
+    it->second = std::move(value);
+  return true;
+}
+
+const Value* Item::actionValue(std::size_t channel, std::string_view action) const {
+  if (channel >= values_.size()) return nullptr;
+  const ActionValues& values = values_[channel];
+  auto it = values.find(action);
+  return it == values.end() ? nullptr : &it->second;
+}
+
+const Value& Item::value(std::size_t channel, std::string_view action) const {
+  if (const Value* own = actionValue(channel, action)) return *own;
+  if (const Value* setup = actionValue(channel, kSetupAction)) return *setup;
+  return this->channel(channel).initial;
+}
+
+}  // namespace vexo

@@ -1,0 +1,59 @@
+// A scene item: its type, name, identity, place in the hierarchy and channel values.
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/item_types.h"
+#include "engine/value.h"
+
+namespace vexo {
+
+// The base action every other action falls back to.
+inline constexpr std::string_view kSetupAction = "setup";
+// The action that holds the user's current edits.
+inline constexpr std::string_view kEditAction = "edit";
+
+class Item {
+ public:
+  Item(const ItemType& type, std::string name, std::string ident);
+  Item(const Item&) = delete;
+  Item& operator=(const Item&) = delete;
+
+  const ItemType& type() const { return *type_; }
+  TypeCode typeCode() const { return type_->code; }
+  const std::string& name() const { return name_; }
+  const std::string& ident() const { return ident_; }
+
+  Item* parent() const { return parent_; }
+  const std::vector<Item*>& children() const { return children_; }
+
+  std::size_t channelCount() const { return type_->channels.size(); }
+  const ChannelDef& channel(std::size_t index) const { return type_->channels[index]; }
+
+  // Sets a channel's value in one action. False when the channel does not
+  // exist or the value is of another type than the channel's.
+  bool setValue(std::size_t channel, std::string_view action, Value value);
+  // The value the action itself holds, or null.
+  const Value* actionValue(std::size_t channel, std::string_view action) const;
+  // The value as read in an action: its own value, else the setup value,
+  // else the channel's initial value. The channel index must be valid.
+  const Value& value(std::size_t channel, std::string_view action) const;
+
+ private:
+  friend class Scene;  // links parents and children
+
+  using ActionValues = std::map<std::string, Value, std::less<>>;
+
+  const ItemType* type_;
+  std::string name_;
+  std::string ident_;
+  Item* parent_ = nullptr;
+  std::vector<Item*> children_;
+  std::vector<ActionValues> values_;  // one per channel
+};
+
+}  // namespace vexo
