@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what building gltfio needs on Debian 12 (run as root).
-# With --test, also what the test suite needs: Node.js and the pinned glTF
-# validator from tests/validator/package-lock.json.
+# With --test, also what the test suite needs: Node.js, the pinned glTF
+# validator and the glTF reader the tests read files back with.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -22,10 +22,12 @@ if ((${#missing[@]})); then
 fi
 
 if [[ "${1:-}" == "--test" ]]; then
-  lock=tests/validator/package-lock.json
-  stamp=tests/validator/node_modules/.installed-lock
-  if ! cmp -s "$lock" "$stamp" 2>/dev/null; then
-    npm ci --prefix tests/validator --no-audit --no-fund --loglevel=error
-    cp "$lock" "$stamp"
-  fi
+  # The glTF validator and an independent glTF reader, pinned by their lock files.
+  for tool in tests/validator tests/reader; do
+    stamp="$tool/node_modules/.installed-lock"
+    if ! cmp -s "$tool/package-lock.json" "$stamp" 2>/dev/null; then
+      npm ci --prefix "$tool" --no-audit --no-fund --loglevel=error
+      cp "$tool/package-lock.json" "$stamp"
+    fi
+  done
 fi

@@ -1,0 +1,49 @@
+// Reads a .gltf or .glb back with an independent glTF library and prints
+// what a viewer would see: every node with its world matrix, every mesh
+// with its primitives' indices and attribute values, every camera.
+//   node read.mjs FILE
+import { NodeIO } from '@gltf-transform/core';
+
+const io = new NodeIO();
+const document = await io.read(process.argv[2]);
+const root = document.getRoot();
+
+const meshes = root.listMeshes();
+const cameras = root.listCameras();
+const materials = root.listMaterials();
+
+const out = {
+  nodes: root.listNodes().map((node) => ({
+    name: node.getName(),
+    world: Array.from(node.getWorldMatrix()),
+    local: Array.from(node.getMatrix()),
+    parent: node.getParentNode() ? node.getParentNode().getName() : null,
+    children: node.listChildren().map((child) => child.getName()),
+    mesh: node.getMesh() ? meshes.indexOf(node.getMesh()) : null,
+    camera: node.getCamera() ? cameras.indexOf(node.getCamera()) : null,
+  })),
+  scenes: root.listScenes().map((scene) => scene.listChildren().map((node) => node.getName())),
+  meshes: meshes.map((mesh) => ({
+    primitives: mesh.listPrimitives().map((primitive) => {
+      const attributes = {};
+      for (const semantic of primitive.listSemantics()) {
+        attributes[semantic] = Array.from(primitive.getAttribute(semantic).getArray());
+      }
+      const indices = primitive.getIndices();
+      return {
+        mode: primitive.getMode(),
+        material: primitive.getMaterial() ? materials.indexOf(primitive.getMaterial()) : null,
+        indices: indices ? Array.from(indices.getArray()) : null,
+        indexComponentType: indices ? indices.getComponentType() : null,
+        attributes,
+      };
+    }),
+  })),
+  cameras: cameras.map((camera) => ({
+    name: camera.getName(),
+    type: camera.getType(),
+    znear: camera.getZNear(),
+    yfov: camera.getYFov(),
+  })),
+};
+process.stdout.write(JSON.stringify(out));
