@@ -1,0 +1,163 @@
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+#include "gltf/document_impl.h"
+
+using gltf::Value;
+
+namespace {
+
+const char* const kTypeNames[] = {"SCALAR", "VEC2", "VEC3", "VEC4", "MAT2", "MAT3", "MAT4"};
+const std::uint32_t kComponents[] = {1, 2, 3, 4, 4, 9, 16};
+
+std::uint32_t componentsOf(GltfAccessorType type) { return kComponents[static_cast<std::uint32_t>(type)]; }
+
+std::uint32_t widthOf(GltfBlockKind kind) {
+  switch (kind) {
+    case GltfBlockKind::UInt16:
+      return 2;
+    case GltfBlockKind::UInt32:
+    case GltfBlockKind::Float32:
+      return 4;
+    default:
+      return 0;
+  }
+}
+
+// The buffer is little-endian whatever the machine is.
+void putLittleEndian(unsigned char* out, std::uint32_t value, std::uint32_t width) {
+  for (std::uint32_t i = 0; i < width; ++i) out[i] = static_cast<unsigned char>(value >> (8 * i));
+}
+
+}  // namespace
+
+std::uint32_t GltfDocument::addBlock(GltfBlockKind kind, const void* values, std::uint32_t valueCount) {
+  const std::uint32_t width = widthOf(kind);
+  if (width == 0 || (valueCount != 0 && !values)) return 0;
+  const std::uint64_t dataLength = std::uint64_t{valueCount} * width;
+  const std::uint64_t byteLength = (dataLength + 3) & ~std::uint64_t{3};
+  if (byteLength > std::numeric_limits<std::uint32_t>::max()) return 0;
+
+  gltf::Block block;
+  block.kind = kind;
+  block.valueCount = valueCount;
+  block.byteLength = static_cast<std::uint32_t>(byteLength);
+  block.padding = static_cast<std::uint32_t>(byteLength - dataLength);
+  block.bytes.resize(dataLength);
+  const auto* in = static_cast<const unsigned char*>(values);
+  for (std::uint32_t i = 0; i < valueCount; ++i) {
+    std::uint32_t value = 0;
+    if (width == 2) {
+      std::uint16_t v16;
+      std::memcpy(&v16, in + 2 * std::size_t{i}, 2);
+      value = v16;
+    } else {
+      std::memcpy(&value, in + 4 * std::size_t{i}, 4);
+    }
+    putLittleEndian(block.bytes.data() + std::size_t{width} * i, value, width);
+  }
+  impl_->blocks.push_back(std::move(block));
+  return static_cast<std::uint32_t>(byteLength);
+}
+
+std::uint32_t GltfDocument::growBuffer(std::uint32_t byteLength) {
+  const std::uint64_t old = impl_->bufferLength;
+  impl_->bufferLength += byteLength;
+  return static_cast<std::uint32_t>(old);
+}
+
+std::uint32_t GltfDocument::addBufferView(std::uint32_t buffer, std::uint32_t byteLength, std::uint32_t byteOffset,
+                                          std::uint32_t byteStride, std::uint32_t target) {
+  Impl& d = *impl_;
+  Value view(rapidjson::kObjectType);
+  gltf::addMember(view, "buffer", buffer, d.allocator);
+  gltf::addMember(view, "byteLength", byteLength, d.allocator);
+  if (byteOffset != 0) gltf::addMember(view, "byteOffset", byteOffset, d.allocator);
+  if (byteStride != 0) gltf::addMember(view, "byteStride", byteStride, d.allocator);
+  if (target != 0) gltf::addMember(view, "target", target, d.allocator);
+  return d.appendTo(d.bufferViews, view);
+}
+
+std::uint32_t GltfDocument::addAccessor(std::uint32_t bufferView, GltfAccessorType type, std::uint32_t componentType,
+                                        std::uint32_t count, std::uint32_t byteOffset, const std::vector<float>& min,
+                                        const std::vector<float>& max) {
+  Impl& d = *impl_;
+  if (static_cast<std::uint32_t>(type) > static_cast<std::uint32_t>(GltfAccessorType::Mat4)) return kNone;
+  Value accessor(rapidjson::kObjectType);
+  gltf::addMember(accessor, "bufferView", bufferView, d.allocator);
+  if (byteOffset != 0) gltf::addMember(accessor, "byteOffset", byteOffset, d.allocator);
+  gltf::addMember(accessor, "type", Value(rapidjson::StringRef(kTypeNames[static_cast<std::uint32_t>(type)])),
+                  d.allocator);
+  gltf::addMember(accessor, "componentType", componentType, d.allocator);
+  gltf::addMember(accessor, "count", count, d.allocator);
+  if (!min.empty()) gltf::addMember(accessor, "min", gltf::numbers(min.data(), min.size(), d.allocator), d.allocator);
+  if (!max.empty()) gltf::addMember(accessor, "max", gltf::numbers(max.data(), max.size(), d.allocator), d.allocator);
+  return d.appendTo(d.accessors, accessor);
+}
+
+std::uint32_t GltfDocument::Impl::addPayload(GltfBlockKind kind, const void* values, std::uint32_t valueCount,
+                                             GltfAccessorType type, std::uint32_t componentType,
+                                             const std::vector<float>& min, const std::vector<float>& max) {
+  // Always the same four steps in the same order, so views follow the blocks.
+  GltfDocument& doc = *owner;
+  const std::uint32_t byteLength = doc.addBlock(kind, values, valueCount);
+  const std::uint32_t offset = doc.growBuffer(byteLength);
+  const std::uint32_t view = doc.addBufferView(0, byteLength, offset, 0, 0);
+  return doc.addAccessor(view, type, componentType, valueCount / componentsOf(type), 0, min, max);
+}
+
+std::uint32_t GltfDocument::addFloatAccessor(GltfAccessorType type, const std::vector<float>& values, bool bounds) {
+  const std::uint32_t n = componentsOf(type);
+  if (values.empty() || values.size() % n != 0 || values.size() > std::numeric_limits<std::uint32_t>::max() / 4) {
+    return kNone;
+  }
+  std::vector<float> rounded(values.size());
+  std::transform(values.begin(), values.end(), rounded.begin(), [](float v) { return gltf::toFloat(v); });
+  std::vector<float> min, max;
+  if (bounds) {
+    min.assign(rounded.begin(), rounded.begin() + n);
+    max = min;
+    for (std::size_t i = n; i < rounded.size(); ++i) {
+      min[i % n] = std::min(min[i % n], rounded[i]);
+      max[i % n] = std::max(max[i % n], rounded[i]);
+    }
+  }
+  return impl_->addPayload(GltfBlockKind::Float32, rounded.data(), static_cast<std::uint32_t>(rounded.size()), type,
+                           kFloat, min, max);
+}
+
+std::uint32_t GltfDocument::addFloatAccessor(GltfAccessorType type, const std::vector<double>& values, bool bounds) {
+  std::vector<float> rounded(values.size());
+  std::transform(values.begin(), values.end(), rounded.begin(), gltf::toFloat);
+  return addFloatAccessor(type, rounded, bounds);
+}
+
+std::uint32_t GltfDocument::addUShortAccessor(GltfAccessorType type, const std::vector<std::uint16_t>& values) {
+  const std::uint32_t n = componentsOf(type);
+  if (values.empty() || values.size() % n != 0 || values.size() > std::numeric_limits<std::uint32_t>::max() / 2) {
+    return kNone;
+  }
+  return impl_->addPayload(GltfBlockKind::UInt16, values.data(), static_cast<std::uint32_t>(values.size()), type,
+                           kUnsignedShort, {}, {});
+}
+
+std::uint32_t GltfDocument::addIndexAccessor(const std::vector<std::uint32_t>& indices) {
+  if (indices.empty() || indices.size() > std::numeric_limits<std::uint32_t>::max() / 4) return kNone;
+  const auto count = static_cast<std::uint32_t>(indices.size());
+  if (impl_->settings.indices32 != 0) {
+    return impl_->addPayload(GltfBlockKind::UInt32, indices.data(), count, GltfAccessorType::Scalar, kUnsignedInt, {},
+                             {});
+  }
+  std::vector<std::uint16_t> narrow(indices.size());
+  for (std::size_t i = 0; i < indices.size(); ++i) {
+    if (indices[i] > 0xffffu) return kNone;
+    narrow[i] = static_cast<std::uint16_t>(indices[i]);
+  }
+  return impl_->addPayload(GltfBlockKind::UInt16, narrow.data(), count, GltfAccessorType::Scalar, kUnsignedShort, {},
+                           {});
+}
+
+std::uint32_t GltfDocument::bufferByteLength() const { return static_cast<std::uint32_t>(impl_->bufferLength); }
+std::uint32_t GltfDocument::accessorCount() const { return impl_->accessors.Size(); }
+std::uint32_t GltfDocument::bufferViewCount() const { return impl_->bufferViews.Size(); }
