@@ -1,6 +1,7 @@
 #include "engine/scene.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 namespace vexo {
@@ -30,7 +31,7 @@ Item* findItemByRef(const Scene& scene, std::string_view ref, std::string* probl
 }
 
 Scene::Scene(const TypeRegistry& types) : types_(&types) {
-  addItem(types.find("scene"), "Scene");
+  if (!addItem(types.find("scene"), "Scene")) throw std::logic_error("the item types have no \"scene\" type");
 }
 
 Item* Scene::addItem(TypeCode type, std::string name, std::string ident, Item* parent) {

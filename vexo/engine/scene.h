@@ -30,7 +30,7 @@ Item* findItemByRef(const Scene& scene, std::string_view ref, std::string* probl
 
 class Scene {
  public:
-  // A new scene holds only its scene item, of type "scene".
+  // A new scene holds only its scene item, of type "scene", which `types` must have.
   explicit Scene(const TypeRegistry& types = TypeRegistry::builtin());
   Scene(const Scene&) = delete;
   Scene& operator=(const Scene&) = delete;

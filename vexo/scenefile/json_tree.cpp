@@ -61,12 +61,31 @@ std::size_t skipFiller(std::string_view text, std::size_t i) {
   return i;
 }
 
+// A string stream the reader uses in place rather than through a local copy,
+// so that its position is current whenever a handler runs.
+class TextStream {
+ public:
+  using Ch = char;
+  explicit TextStream(const char* text) : begin_(text), cur_(text) {}
+  Ch Peek() const { return *cur_; }
+  Ch Take() { return *cur_++; }
+  std::size_t Tell() const { return static_cast<std::size_t>(cur_ - begin_); }
+  Ch* PutBegin() { return nullptr; }
+  void Put(Ch) {}
+  void Flush() {}
+  std::size_t PutEnd(Ch*) { return 0; }
+
+ private:
+  const char* begin_;
+  const char* cur_;
+};
+
 // Builds the tree from the reader's events. Each event comes right after the
 // reader consumed its token, so a value starts at the first character after
 // the previous event that is not filler.
 class TreeBuilder {
  public:
-  TreeBuilder(std::string_view text, const rapidjson::StringStream& stream, const TextPositions& positions)
+  TreeBuilder(std::string_view text, const TextStream& stream, const TextPositions& positions)
       : text_(text), stream_(stream), positions_(positions) {}
 
   bool Null() { return add(JsonNode{}); }
@@ -162,7 +181,7 @@ class TreeBuilder {
   }
 
   std::string_view text_;
-  const rapidjson::StringStream& stream_;
+  const TextStream& stream_;
   const TextPositions& positions_;
   std::size_t lastEnd_ = 0;
   std::vector<JsonNode> stack_;
@@ -192,6 +211,7 @@ const char* syntaxMessage(rapidjson::ParseErrorCode code) {
       {kParseErrorNumberTooBig, "number too big"},
       {kParseErrorNumberMissFraction, "missing digits after the decimal point"},
       {kParseErrorNumberMissExponent, "missing digits in the exponent"},
+      {kParseErrorUnspecificSyntaxError, "unclosed comment, or a '/' that starts no comment"},
   };
   for (const Entry& entry : kMessages)
     if (entry.code == code) return entry.message;
@@ -215,7 +235,7 @@ bool parseJson(std::string_view text, JsonNode& root, JsonError& error) {
     error = {positions.at(zero), "zero byte in the text"};
     return false;
   }
-  rapidjson::StringStream stream(buffer.c_str());
+  TextStream stream(buffer.c_str());
   TreeBuilder builder(buffer, stream, positions);
   rapidjson::Reader reader;
   rapidjson::ParseResult result = reader.Parse<kParseFlags>(stream, builder);
