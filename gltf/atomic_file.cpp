@@ -50,7 +50,9 @@ StagedFiles::~StagedFiles() {
 StagedFile* StagedFiles::create(const std::string& destination) {
   files_.push_back(StagedFile(*this, destination));
   StagedFile& file = files_.back();
-  std::string name = pathFolder(destination) + "." + pathFileName(destination) + ".tmp-XXXXXX";
+  // The name is cut so that a destination near the name length limit still
+  // leaves room for the temporary's prefix and suffix.
+  std::string name = pathFolder(destination) + "." + pathFileName(destination).substr(0, 200) + ".tmp-XXXXXX";
   std::vector<char> pattern(name.begin(), name.end());
   pattern.push_back('\0');
 
