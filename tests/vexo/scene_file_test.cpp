@@ -133,6 +133,8 @@ TEST(SceneFile, EachErrorNamesFileLineAndColumn) {
       {"/* unclosed {\"items\": []}", "scene.json:1:26: unclosed comment, or a '/' that starts no comment"},
   };
   for (const ErrorCase& c : cases) EXPECT_EQ(readError(c.text), c.message) << c.text;
+  // The 512th "[" opens the 513th level.
+  EXPECT_EQ(readError("{\"items\": " + std::string(600, '[')), "scene.json:1:522: values nested too deeply");
 }
 
 TEST(SceneFile, MatrixValuesNeedSixteenNumbers) {
