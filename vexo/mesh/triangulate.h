@@ -1,0 +1,40 @@
+// Triangulation of one polygon of any size, as the host does it for every
+// polygon of a mesh.
+//
+// Contract:
+// - `positions` holds the polygon's `count` (>= 3) vertex positions in order.
+// - `out` receives exactly 3 * (count - 2) local vertex numbers (0..count-1),
+//   triangle by triangle, each triangle keeping the polygon's winding.
+// - Triangles stay as they are: (0, 1, 2).
+// - Convex quads are split along the shorter diagonal, 0-2 on a tie:
+//   (0, 1, 2)(0, 2, 3) or (1, 2, 3)(1, 3, 0). A quad with a reflex or flat
+//   vertex is split along the diagonal that starts at that vertex.
+// - Larger polygons are ear-clipped in the plane of their Newell normal, so
+//   concave polygons come out right; ears that would be flat are avoided
+//   while a proper ear exists. Degenerate or self-crossing polygons still
+//   give count - 2 triangles, some of which may have no area.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "mesh/vec3.h"
+
+namespace vexo {
+
+// Working memory reused from polygon to polygon, so that a mesh is
+// triangulated without an allocation per polygon.
+struct TriangulationScratch {
+  std::vector<double> u, v;
+  std::vector<std::uint32_t> prev, next;
+};
+
+// Newell's normal: its direction follows the polygon's winding, its length
+// is twice the polygon's area (for a planar polygon).
+Vec3 newellNormal(const Vec3* positions, unsigned count);
+
+// `normal` is the polygon's Newell normal (any length; zero for a polygon without area).
+void triangulatePolygon(const Vec3* positions, unsigned count, const Vec3& normal, TriangulationScratch& scratch,
+                        std::uint32_t* out);
+
+}  // namespace vexo
