@@ -1,0 +1,196 @@
+// The node hierarchy: which items become nodes, in what order, with which
+// matrices, for each export type; checked against the host's own world
+// matrices through an independent glTF reader.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "gltf_reader.h"
+#include "host_scene.h"
+#include "validator.h"
+#include "vexo_runner.h"
+
+namespace {
+
+// Rotations in several orders, pivots, non-uniform scale and three levels.
+const char* const kHierarchy = R"({
+  "items": [
+    { "name": "Root", "type": "locator", "position": [1, 2, 3], "rotation": [30, 45, 60],
+      "rotationOrder": "ZXY", "scale": [1, 2, 0.5], "rotationPivot": [0.5, 0, -1],
+      "children": [
+        { "name": "Child1", "type": "locator", "position": [0, 1, 0], "rotation": [90, 0, 10],
+          "rotationOrder": "YXZ",
+          "children": [
+            { "name": "Cam", "type": "camera", "position": [0, 0, 5], "rotation": [-10, 20, 0],
+              "scale": [2, 2, 2], "scalePivot": [1, 1, 1],
+              "channels": { "focalLen": 0.035, "apertureY": 0.024, "clipNear": 0.1 } }
+          ] },
+        { "name": "Lamp", "type": "pointLight", "position": [0, 3, 0],
+          "children": [ { "name": "UnderLamp", "type": "locator" } ] },
+        { "name": "MorphGroup", "type": "locator",
+          "children": [ { "name": "UnderMorphGroup", "type": "locator" } ] },
+        { "name": "Group", "type": "groupLocator" }
+      ] },
+    { "name": "Top2", "type": "locator", "position": [-1, 0, 0], "rotation": [0, 0, 135], "rotationOrder": "ZYX" },
+    { "name": "Texture", "type": "txtrLocator" },
+    { "name": "LightMat", "type": "lightMaterial" },
+    { "name": "TextureGroup", "type": "locator" }
+  ],
+  "selection": ["Child1", "Top2"],
+  "itemList": ["Top2", "Child1", "Root"]
+})";
+
+struct Export {
+  VexoRun run;
+  ReadGltf gltf;
+  std::string json;
+};
+
+// Saves the scene with the given export type (and extra settings) as .gltf and reads it back.
+Export exportScene(const TempDir& dir, const std::string& scene, std::vector<std::string> extra = {}) {
+  const std::string path = dir.write("scene.json", scene);
+  std::vector<std::string> args = {"save", path, dir.file("out.gltf")};
+  args.insert(args.end(), extra.begin(), extra.end());
+  Export result;
+  result.run = runVexo(args);
+  EXPECT_EQ(result.run.exitCode, 0) << result.run.errText();
+  EXPECT_TRUE(isValidGltf(dir.file("out.gltf")));
+  std::string problem;
+  EXPECT_TRUE(readGltf(dir.file("out.gltf"), result.gltf, problem)) << problem;
+  result.json = readFile(dir.file("out.gltf"));
+  return result;
+}
+
+void expectMatrixNear(const std::array<double, 16>& actual, const std::array<double, 16>& expected,
+                      const std::string& what) {
+  for (int i = 0; i < 16; ++i) {
+    // Single-precision rounding of each node matrix, compounded over a few levels.
+    const double tolerance = 2e-6 * std::max(1.0, std::fabs(expected[i])) * 4;
+    EXPECT_NEAR(actual[i], expected[i], tolerance) << what << " element " << i;
+  }
+}
+
+// Every exported node sits where the host puts its item.
+void expectWorldMatricesMatchTheHost(const Export& out, const std::string& scenePath) {
+  const HostScene host(scenePath);
+  ASSERT_TRUE(host.ok()) << host.error();
+  for (const ReadNode& node : out.gltf.nodes) {
+    std::array<double, 16> expected{};
+    ASSERT_TRUE(host.worldMatrix(node.name, expected)) << node.name;
+    expectMatrixNear(node.world, expected, node.name);
+  }
+}
+
+TEST(Hierarchy, WholeSceneIsDepthFirstWithSkippedItemsLeftOut) {
+  TempDir dir;
+  const Export out = exportScene(dir, kHierarchy, {"--set", "sceneio.gltf.save.exportType=0"});
+  EXPECT_EQ(out.gltf.nodeNames(), (std::vector<std::string>{"Root", "Child1", "Cam", "Group", "Top2"}));
+  ASSERT_EQ(out.gltf.scenes.size(), 1u);
+  EXPECT_EQ(out.gltf.scenes[0], (std::vector<std::string>{"Root", "Top2"}));
+  EXPECT_EQ(out.gltf.node("Root")->children, (std::vector<std::string>{"Child1", "Group"}));
+  EXPECT_EQ(out.gltf.node("Child1")->children, std::vector<std::string>{"Cam"});
+
+  // An identity transform writes no transform key; "children" follows "camera".
+  EXPECT_NE(out.json.find(R"({"name":"Group"})"), std::string::npos) << out.json;
+  EXPECT_NE(out.json.find(R"("camera":0})"), std::string::npos) << out.json;
+  EXPECT_NE(out.json.find(R"("children":[2]})"), std::string::npos) << out.json;
+
+  EXPECT_TRUE(out.run.printed("info: Root item:Root")) << out.run.errText();
+  EXPECT_TRUE(out.run.printed("info: Root item:Top2"));
+  // "Texture" and "TextureGroup" are parentless locators: roots that never become nodes.
+  EXPECT_TRUE(out.run.printed("info: Scanning finished, rootItems:4"));
+  EXPECT_TRUE(out.run.printed("info:    driven:0 xformDriven:0"));
+  EXPECT_TRUE(out.run.printed("info:    Using Local matrix"));
+  EXPECT_FALSE(out.run.printed("info:    Using World matrix"));
+}
+
+TEST(Hierarchy, WorldMatricesMatchTheHost) {
+  TempDir dir;
+  const Export out = exportScene(dir, kHierarchy, {"--set", "sceneio.gltf.save.exportType=0"});
+  expectWorldMatricesMatchTheHost(out, dir.file("scene.json"));
+}
+
+TEST(Hierarchy, DeepChainsKeepTheirWorldPlacement) {
+  // Twelve levels, each rotated in a different order and scaled unevenly.
+  std::string items;
+  const char* orders[] = {"XYZ", "XZY", "YXZ", "YZX", "ZXY", "ZYX"};
+  for (int level = 11; level >= 0; --level) {
+    std::string children = items.empty() ? "" : ", \"children\": [" + items + "]";
+    items = "{ \"name\": \"L" + std::to_string(level) + "\", \"type\": \"locator\", \"position\": [" +
+            std::to_string(level % 3) + ", 0.5, -1], \"rotation\": [" + std::to_string(7 * level) + ", 13, " +
+            std::to_string(-5 * level) + "], \"rotationOrder\": \"" + orders[level % 6] +
+            "\", \"scale\": [1.1, 0.9, 1.05], \"rotationPivot\": [0.2, 0.1, 0]" + children + " }";
+  }
+  TempDir dir;
+  const Export out = exportScene(dir, "{ \"items\": [" + items + "] }", {"--set", "sceneio.gltf.save.exportType=0"});
+  ASSERT_EQ(out.gltf.nodes.size(), 12u);
+  expectWorldMatricesMatchTheHost(out, dir.file("scene.json"));
+}
+
+TEST(Hierarchy, SelectionExportsSelectedItemsAloneInWorldSpace) {
+  TempDir dir;
+  const Export out = exportScene(dir, kHierarchy);  // export type 1 is the default
+  EXPECT_EQ(out.gltf.nodeNames(), (std::vector<std::string>{"Child1", "Top2"}));
+  EXPECT_TRUE(out.gltf.node("Child1")->children.empty());
+  EXPECT_TRUE(out.run.printed("info: Child1"));
+  EXPECT_TRUE(out.run.printed("info:    Using World matrix"));
+
+  const HostScene host(dir.file("scene.json"));
+  std::array<double, 16> expected{};
+  ASSERT_TRUE(host.worldMatrix("Child1", expected));
+  expectMatrixNear(out.gltf.node("Child1")->world, expected, "Child1");
+}
+
+TEST(Hierarchy, SelectedParentComesWithoutItsChildren) {
+  TempDir dir;
+  const Export out = exportScene(dir, kHierarchy, {"--select", "Root"});
+  EXPECT_EQ(out.gltf.nodeNames(), (std::vector<std::string>{"Child1", "Top2", "Root"}));
+  EXPECT_TRUE(out.gltf.node("Root")->children.empty());
+  EXPECT_EQ(out.gltf.scenes[0], (std::vector<std::string>{"Child1", "Top2", "Root"}));
+}
+
+TEST(Hierarchy, ItemListExportsItsParentlessItemsWithChildren) {
+  TempDir dir;
+  const Export out = exportScene(dir, kHierarchy, {"--set", "sceneio.gltf.save.exportType=2"});
+  EXPECT_EQ(out.gltf.nodeNames(), (std::vector<std::string>{"Top2", "Root", "Child1", "Cam", "Group"}));
+  EXPECT_EQ(out.gltf.scenes[0], (std::vector<std::string>{"Top2", "Root"}));
+  expectWorldMatricesMatchTheHost(out, dir.file("scene.json"));
+}
+
+TEST(Hierarchy, CamerasFollowTheirOption) {
+  TempDir dir;
+  const Export with = exportScene(dir, kHierarchy, {"--set", "sceneio.gltf.save.exportType=0"});
+  ASSERT_EQ(with.gltf.cameras.size(), 1u);
+  EXPECT_EQ(with.gltf.cameras[0].name, "Cam");
+  EXPECT_EQ(with.gltf.cameras[0].type, "perspective");
+  EXPECT_FLOAT_EQ(with.gltf.cameras[0].znear, 0.1f);
+  EXPECT_FLOAT_EQ(with.gltf.cameras[0].yfov, static_cast<float>(2.0 * std::atan(0.024 / (2.0 * 0.035))));
+  EXPECT_NE(with.json.find(R"("perspective":{"znear":0.10000000149011612,"yfov":)"), std::string::npos);
+  EXPECT_EQ(with.gltf.node("Cam")->camera, 0);
+
+  TempDir other;
+  const Export without = exportScene(other, kHierarchy,
+                                     {"--set", "sceneio.gltf.save.exportType=0", "--set", "sceneio.gltf.save.cameras=0"});
+  EXPECT_EQ(without.gltf.nodeNames(), (std::vector<std::string>{"Root", "Child1", "Group", "Top2"}));
+  EXPECT_TRUE(without.gltf.cameras.empty());
+  EXPECT_EQ(without.json.find("\"cameras\""), std::string::npos);
+}
+
+TEST(Hierarchy, EveryExportTypeOfTheExampleSceneIsValid) {
+  for (const char* type : {"0", "1", "2"}) {
+    for (const char* form : {"gltf", "glb"}) {
+      TempDir dir;
+      const std::string dest = dir.file(std::string("hierarchy.") + form);
+      const VexoRun run = runVexo({"save", GLTFIO_EXAMPLES_DIR "/hierarchy.json", dest, "--set",
+                                   std::string("sceneio.gltf.save.exportType=") + type});
+      EXPECT_EQ(run.exitCode, 0) << run.errText();
+      EXPECT_TRUE(isValidGltf(dest)) << "export type " << type << " " << form;
+      ReadGltf gltf;
+      std::string problem;
+      ASSERT_TRUE(readGltf(dest, gltf, problem)) << problem;
+      EXPECT_FALSE(gltf.nodes.empty()) << "export type " << type;
+    }
+  }
+}
+
+}  // namespace
