@@ -13,6 +13,7 @@
 
 #include "engine/item.h"
 #include "engine/item_types.h"
+#include "engine/mesh_store.h"
 
 namespace vexo {
 
@@ -54,6 +55,9 @@ class Scene {
   // Empty for a selection type nothing was selected in.
   const std::vector<Item*>& selection(std::string_view selectionType = kItemSelection) const;
 
+  // The meshes of the scene's "mesh", "triSurf" and "meshInst" items.
+  MeshStore& meshes() { return meshes_; }
+
   double time() const { return time_; }
   void setTime(double time) { time_ = time; }
 
@@ -65,6 +69,7 @@ class Scene {
   std::vector<std::unique_ptr<Item>> items_;
   std::unordered_map<std::string, Item*> byIdent_;
   std::map<std::string, std::vector<Item*>, std::less<>> selections_;
+  MeshStore meshes_{*types_};
   double time_ = 0.0;
   std::uint64_t revision_ = 0;
 };

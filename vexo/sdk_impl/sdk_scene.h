@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "engine/scene.h"
+#include "sdk_impl/sdk_scene_meshes.h"
 #include "vexo/vx_scene.h"
 
 namespace vexo {
@@ -64,6 +65,8 @@ class SdkScene final : public IVxScene {
   double Time() const override { return scene_.time(); }
   VxResult SetTime(double time) override;
 
+  IVxMeshService* MeshService() override { return &meshService_; }
+
  private:
   // Items of one type in scene order, kept until the scene changes.
   struct TypeView {
@@ -76,6 +79,7 @@ class SdkScene final : public IVxScene {
   vexo::Scene& scene_;
   std::unordered_map<const Item*, std::unique_ptr<SdkItem>> wrappers_;
   std::unordered_map<VxTypeCode, TypeView> typeViews_;
+  SdkSceneMeshes meshService_{*this};
 };
 
 // Maps an engine value type to its SDK code.
