@@ -116,7 +116,7 @@ TEST(SceneFile, EachErrorNamesFileLineAndColumn) {
        "scene.json:2:51: duplicate id \"x\""},
       {"{\"items\": [{\"name\": \"A\", \"type\": \"mesh\", \"chanels\": {}}]}",
        "scene.json:1:42: unknown key \"chanels\" in an item; expected one of \"name\", \"type\", \"id\", \"channels\", "
-       "\"actions\", \"children\""},
+       "\"actions\", \"children\", \"mesh\", \"source\""},
       {"{\"item\": []}",
        "scene.json:1:2: unknown key \"item\" at the top level; expected one of \"scene\", \"time\", \"items\", "
        "\"selection\""},

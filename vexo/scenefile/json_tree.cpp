@@ -85,11 +85,12 @@ class TextStream {
 // the previous event that is not filler.
 class TreeBuilder {
  public:
-  TreeBuilder(std::string_view text, const TextStream& stream, const TextPositions& positions)
-      : text_(text), stream_(stream), positions_(positions) {}
+  TreeBuilder(std::string_view text, const TextStream& stream, const TextPositions& positions, const JsonRawRule& raw)
+      : text_(text), stream_(stream), positions_(positions), rawRule_(raw) {}
 
-  bool Null() { return add(JsonNode{}); }
+  bool Null() { return inRaw_ ? rawScalar() : add(JsonNode{}); }
   bool Bool(bool b) {
+    if (inRaw_) return rawScalar();
     JsonNode node;
     node.kind = JsonNode::Kind::Bool;
     node.boolean = b;
@@ -103,6 +104,7 @@ class TreeBuilder {
     return integer(static_cast<std::int64_t>(u));
   }
   bool Double(double d) {
+    if (inRaw_) return rawScalar();
     JsonNode node;
     node.kind = JsonNode::Kind::Float;
     node.number = d;
@@ -110,22 +112,25 @@ class TreeBuilder {
   }
   bool RawNumber(const char*, rapidjson::SizeType, bool) { return false; }  // not requested
   bool String(const char* s, rapidjson::SizeType length, bool) {
+    if (inRaw_) return rawScalar();
     JsonNode node;
     node.kind = JsonNode::Kind::String;
     node.text.assign(s, length);
     return add(std::move(node));
   }
-  bool StartObject() { return open(JsonNode::Kind::Object); }
+  bool StartObject() { return inRaw_ ? rawOpen() : open(JsonNode::Kind::Object); }
   bool Key(const char* s, rapidjson::SizeType length, bool) {
+    if (inRaw_) return true;
     JsonMember member;
     member.key.assign(s, length);
     member.keyPos = start();
     stack_.back().members.push_back(std::move(member));
+    inRaw_ = rawRule_ && rawRule_(stack_, stack_.back().members.back().key);
     return true;
   }
-  bool EndObject(rapidjson::SizeType) { return close(); }
-  bool StartArray() { return open(JsonNode::Kind::Array); }
-  bool EndArray(rapidjson::SizeType) { return close(); }
+  bool EndObject(rapidjson::SizeType) { return inRaw_ ? rawClose() : close(); }
+  bool StartArray() { return inRaw_ ? rawOpen() : open(JsonNode::Kind::Array); }
+  bool EndArray(rapidjson::SizeType) { return inRaw_ ? rawClose() : close(); }
 
   JsonNode& root() { return root_; }
   const TextPos& tooDeepAt() const { return tooDeepAt_; }
@@ -137,7 +142,35 @@ class TreeBuilder {
     return pos;
   }
 
+  // A raw value's events only count its depth; its node is placed when it ends.
+  void beginRaw() {
+    raw_ = JsonNode{};
+    raw_.kind = JsonNode::Kind::Raw;
+    raw_.rawBegin = skipFiller(text_, lastEnd_);
+    raw_.pos = positions_.at(raw_.rawBegin);
+  }
+  bool endRaw() {
+    inRaw_ = false;
+    lastEnd_ = raw_.rawEnd = stream_.Tell();
+    return place(std::move(raw_));
+  }
+  bool rawScalar() {
+    if (rawDepth_ > 0) return true;
+    beginRaw();
+    return endRaw();
+  }
+  bool rawOpen() {
+    if (rawDepth_ == 0) beginRaw();
+    if (stack_.size() + ++rawDepth_ > kMaxDepth) {
+      tooDeepAt_ = positions_.at(stream_.Tell() - 1);  // the bracket just taken
+      return false;
+    }
+    return true;
+  }
+  bool rawClose() { return --rawDepth_ > 0 ? true : endRaw(); }
+
   bool integer(std::int64_t i) {
+    if (inRaw_) return rawScalar();
     JsonNode node;
     node.kind = JsonNode::Kind::Integer;
     node.integer = i;
@@ -183,10 +216,92 @@ class TreeBuilder {
   std::string_view text_;
   const TextStream& stream_;
   const TextPositions& positions_;
+  const JsonRawRule& rawRule_;
+  bool inRaw_ = false;
+  std::size_t rawDepth_ = 0;
+  JsonNode raw_;
   std::size_t lastEnd_ = 0;
   std::vector<JsonNode> stack_;
   JsonNode root_;
   TextPos tooDeepAt_;
+};
+
+// Follows the reader's events with the path of the current value and stops
+// at the wanted one, noting where it starts.
+class ValueFinder {
+ public:
+  ValueFinder(std::string_view text, const TextStream& stream, const std::vector<std::size_t>& path, bool key)
+      : text_(text), stream_(stream), path_(path), key_(key) {}
+
+  bool Null() { return value(); }
+  bool Bool(bool) { return value(); }
+  bool Int(int) { return value(); }
+  bool Uint(unsigned) { return value(); }
+  bool Int64(std::int64_t) { return value(); }
+  bool Uint64(std::uint64_t) { return value(); }
+  bool Double(double) { return value(); }
+  bool RawNumber(const char*, rapidjson::SizeType, bool) { return value(); }
+  bool String(const char*, rapidjson::SizeType, bool) { return value(); }
+  bool StartObject() { return open(true); }
+  bool Key(const char*, rapidjson::SizeType, bool) {
+    Level& level = open_.back();
+    level.current = level.next++;
+    if (key_ && here()) return found();
+    lastEnd_ = stream_.Tell();
+    return true;
+  }
+  bool EndObject(rapidjson::SizeType) { return close(); }
+  bool StartArray() { return open(false); }
+  bool EndArray(rapidjson::SizeType) { return close(); }
+
+  std::size_t offset() const { return offset_; }
+
+ private:
+  struct Level {
+    bool object;
+    std::size_t next = 0, current = 0;
+  };
+
+  bool here() const {
+    if (open_.size() != path_.size()) return false;
+    for (std::size_t i = 0; i < path_.size(); ++i)
+      if (open_[i].current != path_[i]) return false;
+    return true;
+  }
+  // Stops the reader: the wanted value or key starts after the last event.
+  bool found() {
+    offset_ = skipFiller(text_, lastEnd_);
+    return false;
+  }
+  bool step() {
+    if (!open_.empty() && !open_.back().object) open_.back().current = open_.back().next++;
+    if (!key_ && here()) return found();
+    return true;
+  }
+  bool value() {
+    if (!step()) return false;
+    lastEnd_ = stream_.Tell();
+    return true;
+  }
+  bool open(bool object) {
+    if (!step()) return false;
+    lastEnd_ = stream_.Tell();
+    open_.push_back({object});
+    return true;
+  }
+  bool close() {
+    open_.pop_back();
+    lastEnd_ = stream_.Tell();
+    return true;
+  }
+
+  std::string_view text_;
+  const TextStream& stream_;
+  const std::vector<std::size_t>& path_;
+  bool key_;
+  std::vector<Level> open_;
+  std::size_t lastEnd_ = 0;
+  std::size_t offset_ = std::string_view::npos;
 };
 
 const char* syntaxMessage(rapidjson::ParseErrorCode code) {
@@ -222,11 +337,11 @@ const char* syntaxMessage(rapidjson::ParseErrorCode code) {
 
 const char* jsonKindName(JsonNode::Kind kind) {
   static const char* const kNames[] = {"null",     "a boolean", "an integer", "a number",
-                                       "a string", "an array",  "an object"};
+                                       "a string", "an array",  "an object",  "a value"};
   return kNames[static_cast<int>(kind)];
 }
 
-bool parseJson(std::string_view text, JsonNode& root, JsonError& error) {
+bool parseJson(std::string_view text, JsonNode& root, JsonError& error, const JsonRawRule& raw) {
   // The stream needs a terminating zero, which a string_view does not promise,
   // and would take a zero byte inside the text for the end.
   std::string buffer(text);
@@ -236,7 +351,7 @@ bool parseJson(std::string_view text, JsonNode& root, JsonError& error) {
     return false;
   }
   TextStream stream(buffer.c_str());
-  TreeBuilder builder(buffer, stream, positions);
+  TreeBuilder builder(buffer, stream, positions, raw);
   rapidjson::Reader reader;
   rapidjson::ParseResult result = reader.Parse<kParseFlags>(stream, builder);
   if (result) {
@@ -250,5 +365,17 @@ bool parseJson(std::string_view text, JsonNode& root, JsonError& error) {
   }
   return false;
 }
+
+std::size_t findJsonValue(std::string_view text, const std::vector<std::size_t>& path, bool key) {
+  if (key && path.empty()) return std::string_view::npos;
+  const std::string buffer(text);  // the stream stops at a terminating zero
+  TextStream stream(buffer.c_str());
+  ValueFinder finder(buffer, stream, path, key);
+  rapidjson::Reader reader;
+  reader.Parse<kParseFlags>(stream, finder);
+  return finder.offset();
+}
+
+TextPos textPosition(std::string_view text, std::size_t offset) { return TextPositions(text).at(offset); }
 
 }  // namespace vexo

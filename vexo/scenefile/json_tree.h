@@ -2,9 +2,15 @@
 //
 // Accepts JSON with // and /* */ comments and trailing commas, since scene
 // files are written by hand.
+//
+// Values that can be huge (a mesh's numbers) may be left raw: the tree then
+// only says where their text lies, and its owner parses them its own leaner
+// way, using findJsonValue to place its messages.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,7 +26,7 @@ struct TextPos {
 struct JsonMember;
 
 struct JsonNode {
-  enum class Kind { Null, Bool, Integer, Float, String, Array, Object };
+  enum class Kind { Null, Bool, Integer, Float, String, Array, Object, Raw };
 
   Kind kind = Kind::Null;
   TextPos pos;
@@ -30,6 +36,7 @@ struct JsonNode {
   std::string text;          // Kind::String
   std::vector<JsonNode> elements;    // Kind::Array
   std::vector<JsonMember> members;   // Kind::Object, in text order
+  std::size_t rawBegin = 0, rawEnd = 0;  // Kind::Raw: the value's bytes in the parsed text
 
   bool isNumber() const { return kind == Kind::Integer || kind == Kind::Float; }
 };
@@ -40,7 +47,7 @@ struct JsonMember {
   JsonNode value;
 };
 
-// "null", "a boolean", "an integer", "a number", "a string", "an array" or "an object".
+// "null", "a boolean", "an integer", "a number", "a string", "an array", "an object" or "a value".
 const char* jsonKindName(JsonNode::Kind kind);
 
 struct JsonError {
@@ -48,7 +55,21 @@ struct JsonError {
   std::string message;
 };
 
+// Asked at each key whether the member's value stays raw. `open` holds the
+// containers around the key, outermost first, with their members and
+// elements so far; the last one is the object the key belongs to.
+using JsonRawRule = std::function<bool(const std::vector<JsonNode>& open, std::string_view key)>;
+
 // Parses a whole document. On failure `error` tells where and what, and `root` is unspecified.
-bool parseJson(std::string_view text, JsonNode& root, JsonError& error);
+bool parseJson(std::string_view text, JsonNode& root, JsonError& error, const JsonRawRule& raw = nullptr);
+
+// Where a value starts in `text`, which must parse (as the raw text of a
+// value does). Each step of `path` is an element index in an array or a
+// member index (in text order) in an object; with `key`, the last step's key
+// is wanted instead of its value. npos when there is no such value.
+std::size_t findJsonValue(std::string_view text, const std::vector<std::size_t>& path, bool key = false);
+
+// The line and column of a byte offset in `text`.
+TextPos textPosition(std::string_view text, std::size_t offset);
 
 }  // namespace vexo

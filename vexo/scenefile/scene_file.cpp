@@ -12,13 +12,14 @@
 #include <vector>
 
 #include "scenefile/json_tree.h"
+#include "scenefile/mesh_reader.h"
 
 namespace vexo {
 namespace {
 
 using Kind = JsonNode::Kind;
 
-const char* const kItemKeys[] = {"name", "type", "id", "channels", "actions", "children"};
+const char* const kItemKeys[] = {"name", "type", "id", "channels", "actions", "children", "mesh", "source"};
 const char* const kSceneKeys[] = {"channels", "actions"};
 const char* const kRootKeys[] = {"scene", "time", "items", "selection"};
 
@@ -44,7 +45,9 @@ std::string keyList(const char* const (&keys)[N]) {
 
 class SceneFileReader {
  public:
-  SceneFileReader(const std::string& fileName, Scene& scene) : fileName_(fileName), scene_(scene) {}
+  // `text` is the parsed file, whose raw mesh values the mesh reader parses.
+  SceneFileReader(std::string_view text, const std::string& fileName, Scene& scene)
+      : fileName_(fileName), scene_(scene), meshes_(text, scene) {}
 
   bool read(const JsonNode& root) {
     if (root.kind != Kind::Object) return fail(root.pos, "a scene file holds a JSON object, not " + describe(root));
@@ -62,6 +65,7 @@ class SceneFileReader {
       if (!time->isNumber()) return fail(time->pos, "\"time\" takes a number of seconds, not " + describe(*time));
       scene_.setTime(time->number);
     }
+    if (JsonError e; !meshes_.resolveSources(e)) return fail(e.pos, e.message);
     if (!checkActions()) return false;
     if (const JsonNode* selection = member(root, "selection")) return readSelection(*selection);
     return true;
@@ -150,6 +154,7 @@ class SceneFileReader {
     Item* item = scene_.addItem(code, name->text, ident, parent);
     if (!item) return fail(id ? id->pos : name->pos, "id " + inQuotes(ident) + " is already taken");
     if (!readItemBody(node, *item)) return false;
+    if (JsonError e; !meshes_.readItem(node, *item, e)) return fail(e.pos, e.message);
     if (const JsonNode* children = member(node, "children")) {
       if (!expect(*children, Kind::Array, "\"children\"") || !readItems(*children, item)) return false;
     }
@@ -250,6 +255,7 @@ class SceneFileReader {
 
   const std::string& fileName_;
   Scene& scene_;
+  MeshReader meshes_;
   std::set<std::string> ids_;
   std::vector<ActionUse> actionUses_;
   std::string error_;
@@ -260,12 +266,12 @@ class SceneFileReader {
 bool readSceneText(std::string_view text, const std::string& fileName, Scene& scene, std::string& error) {
   JsonNode root;
   JsonError syntax;
-  if (!parseJson(text, root, syntax)) {
+  if (!parseJson(text, root, syntax, isItemMeshValue)) {
     error = fileName + ":" + std::to_string(syntax.pos.line) + ":" + std::to_string(syntax.pos.column) + ": " +
             syntax.message;
     return false;
   }
-  SceneFileReader reader(fileName, scene);
+  SceneFileReader reader(text, fileName, scene);
   if (reader.read(root)) return true;
   error = reader.error();
   return false;
