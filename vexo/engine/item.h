@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "engine/item_types.h"
+#include "engine/locator_types.h"
 #include "engine/value.h"
 
 namespace vexo {
@@ -31,6 +32,13 @@ class Item {
   Item* parent() const { return parent_; }
   const std::vector<Item*>& children() const { return children_; }
 
+  // A locator's transform items in stack order, index 0 applied first; empty for other items.
+  const std::vector<Item*>& transforms() const { return transforms_; }
+  // One of a locator's main transform items, or null.
+  Item* mainTransform(MainTransform which) const { return mainTransforms_[static_cast<int>(which)]; }
+  // The locator whose stack holds this transform item; null for any other item.
+  Item* stackOwner() const { return stackOwner_; }
+
   std::size_t channelCount() const { return type_->channels.size(); }
   const ChannelDef& channel(std::size_t index) const { return type_->channels[index]; }
 
@@ -44,7 +52,7 @@ class Item {
   const Value& value(std::size_t channel, std::string_view action) const;
 
  private:
-  friend class Scene;  // links parents and children
+  friend class Scene;  // links parents and children, locators and their transforms
 
   using ActionValues = std::map<std::string, Value, std::less<>>;
 
@@ -53,6 +61,9 @@ class Item {
   std::string ident_;
   Item* parent_ = nullptr;
   std::vector<Item*> children_;
+  std::vector<Item*> transforms_;
+  Item* mainTransforms_[kMainTransformCount] = {};
+  Item* stackOwner_ = nullptr;
   std::vector<ActionValues> values_;  // one per channel
 };
 

@@ -8,6 +8,7 @@ namespace {
 constexpr ValueType kInt = ValueType::Integer;
 constexpr ValueType kFloat = ValueType::Float;
 constexpr ValueType kText = ValueType::Text;
+constexpr ValueType kMatrix = ValueType::Matrix;
 
 // The built-in types. Locators are the items with a place in the scene
 // hierarchy; shader-tree layers share "textureLayer"; the transform items
@@ -17,15 +18,32 @@ const std::vector<TypeSpec>& builtinTable() {
       {"scene", nullptr, {{"fps", kFloat, 24.0, nullptr},
                           {"currentS", kFloat, 0.0, nullptr},
                           {"currentE", kFloat, 5.0, nullptr}}},
-      // "visible" 0 is the default state, which shows the item.
-      {"locator", nullptr, {{"visible", kInt, 0.0, nullptr}}},
+      // "visible" 0 is the default state, which shows the item. The matrix
+      // channels are computed from the transform stack whenever they are read.
+      {"locator", nullptr, {{"visible", kInt, 0.0, nullptr},
+                            {"wposMatrix", kMatrix, 0.0, nullptr},
+                            {"wrotMatrix", kMatrix, 0.0, nullptr},
+                            {"wsclMatrix", kMatrix, 0.0, nullptr},
+                            {"worldMatrix", kMatrix, 0.0, nullptr},
+                            {"localMatrix", kMatrix, 0.0, nullptr},
+                            {"parentMatrix", kMatrix, 0.0, nullptr}}},
       {"groupLocator", "locator", {}},
-      {"camera", "locator", {}},
-      {"light", "locator", {}},
+      // Lengths in metres: a 50 mm lens on a 36 x 24 mm film back.
+      {"camera", "locator", {{"focalLen", kFloat, 0.05, nullptr},
+                             {"apertureX", kFloat, 0.036, nullptr},
+                             {"apertureY", kFloat, 0.024, nullptr},
+                             {"clipNear", kFloat, 0.01, nullptr},
+                             {"clipFar", kFloat, 1000.0, nullptr}}},
+      {"light", "locator", {{"radiance", kFloat, 3.0, nullptr},
+                            {"color.R", kFloat, 1.0, nullptr},
+                            {"color.G", kFloat, 1.0, nullptr},
+                            {"color.B", kFloat, 1.0, nullptr}}},
       {"sunLight", "light", {}},
       {"pointLight", "light", {}},
-      {"spotLight", "light", {}},
-      {"areaLight", "light", {}},
+      // "cone": the angle in radians between the axis and the edge of the cone.
+      {"spotLight", "light", {{"cone", kFloat, 0.5235987755982988, nullptr}}},
+      {"areaLight", "light", {{"width", kFloat, 1.0, nullptr},
+                              {"height", kFloat, 1.0, nullptr}}},
       {"mesh", "locator", {}},
       {"meshInst", "locator", {}},
       {"triSurf", "locator", {}},
@@ -44,11 +62,33 @@ const std::vector<TypeSpec>& builtinTable() {
       {"glTFShader", "textureLayer", {}},
       {"morphDeform", nullptr, {{"enable", kInt, 1.0, nullptr}}},
       {"deformGroup", nullptr, {}},
-      {"scale", nullptr, {}},
-      {"rotation", nullptr, {}},
-      {"translation", nullptr, {}},
-      {"transform", nullptr, {}},
-      {"shear", nullptr, {}},
+      // Transform items: angles in radians; "order" numbers the rotation
+      // orders XYZ, XZY, YXZ, YZX, ZXY, ZYX from 0.
+      {"scale", nullptr, {{"scl.X", kFloat, 1.0, nullptr},
+                          {"scl.Y", kFloat, 1.0, nullptr},
+                          {"scl.Z", kFloat, 1.0, nullptr}}},
+      {"rotation", nullptr, {{"rot.X", kFloat, 0.0, nullptr},
+                             {"rot.Y", kFloat, 0.0, nullptr},
+                             {"rot.Z", kFloat, 0.0, nullptr},
+                             {"order", kInt, 0.0, nullptr}}},
+      {"translation", nullptr, {{"pos.X", kFloat, 0.0, nullptr},
+                                {"pos.Y", kFloat, 0.0, nullptr},
+                                {"pos.Z", kFloat, 0.0, nullptr}}},
+      // Scale, then rotation, then translation in one item.
+      {"transform", nullptr, {{"pos.X", kFloat, 0.0, nullptr},
+                              {"pos.Y", kFloat, 0.0, nullptr},
+                              {"pos.Z", kFloat, 0.0, nullptr},
+                              {"rot.X", kFloat, 0.0, nullptr},
+                              {"rot.Y", kFloat, 0.0, nullptr},
+                              {"rot.Z", kFloat, 0.0, nullptr},
+                              {"order", kInt, 0.0, nullptr},
+                              {"scl.X", kFloat, 1.0, nullptr},
+                              {"scl.Y", kFloat, 1.0, nullptr},
+                              {"scl.Z", kFloat, 1.0, nullptr}}},
+      // x += XY * y + XZ * z, y += YZ * z.
+      {"shear", nullptr, {{"shr.XY", kFloat, 0.0, nullptr},
+                          {"shr.XZ", kFloat, 0.0, nullptr},
+                          {"shr.YZ", kFloat, 0.0, nullptr}}},
       {"ikFullBody", nullptr, {}},
       {"actionclip", nullptr, {}},
       {"group", nullptr, {}},

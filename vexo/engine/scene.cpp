@@ -12,6 +12,30 @@ std::string uniqueIdent(std::string_view base, const std::function<bool(const st
   return ident;
 }
 
+namespace {
+
+// "LOCATOR/NAME": the one transform item called NAME in the stack of the
+// locator LOCATOR names. Each "/" is tried as the separator, last one first.
+Item* findStackItemByRef(const Scene& scene, std::string_view ref) {
+  for (std::size_t slash = ref.rfind('/'); slash != std::string_view::npos && slash > 0;
+       slash = ref.rfind('/', slash - 1)) {
+    const Item* locator = findItemByRef(scene, ref.substr(0, slash), nullptr);
+    if (!locator) continue;
+    Item* found = nullptr;
+    unsigned count = 0;
+    for (Item* transform : locator->transforms()) {
+      if (transform->name() == ref.substr(slash + 1)) {
+        found = transform;
+        ++count;
+      }
+    }
+    if (count == 1) return found;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
 Item* findItemByRef(const Scene& scene, std::string_view ref, std::string* problem) {
   if (Item* item = scene.findIdent(ref)) return item;
   Item* found = nullptr;
@@ -23,6 +47,9 @@ Item* findItemByRef(const Scene& scene, std::string_view ref, std::string* probl
     }
   }
   if (count == 1) return found;
+  if (count == 0) {
+    if (Item* transform = findStackItemByRef(scene, ref)) return transform;
+  }
   if (problem) {
     *problem = count == 0 ? "no item \"" + std::string(ref) + "\""
                           : std::to_string(count) + " items are named \"" + std::string(ref) + "\"; name one by its id";
@@ -30,11 +57,23 @@ Item* findItemByRef(const Scene& scene, std::string_view ref, std::string* probl
   return nullptr;
 }
 
-Scene::Scene(const TypeRegistry& types) : types_(&types) {
+Scene::Scene(const TypeRegistry& types) : types_(&types), locatorTypes_(types) {
   if (!addItem(types.find("scene"), "Scene")) throw std::logic_error("the item types have no \"scene\" type");
 }
 
-Item* Scene::addItem(TypeCode type, std::string name, std::string ident, Item* parent) {
+Item* Scene::insertItem(const ItemType& type, std::string name, std::string ident, const Item* after) {
+  auto position = items_.end();
+  if (after && items_.back().get() != after) {
+    auto found = std::find_if(items_.rbegin(), items_.rend(), [after](const auto& item) { return item.get() == after; });
+    if (found != items_.rend()) position = found.base();
+  }
+  Item* item = items_.insert(position, std::make_unique<Item>(type, std::move(name), std::move(ident)))->get();
+  byIdent_.emplace(item->ident(), item);
+  ++revision_;
+  return item;
+}
+
+Item* Scene::addItem(TypeCode type, std::string name, std::string ident, Item* parent, StackStart stack) {
   const ItemType* itemType = types_->type(type);
   if (!itemType) return nullptr;
   if (ident.empty()) {
@@ -43,15 +82,41 @@ Item* Scene::addItem(TypeCode type, std::string name, std::string ident, Item* p
   } else if (byIdent_.count(ident)) {
     return nullptr;
   }
-  items_.push_back(std::make_unique<Item>(*itemType, std::move(name), std::move(ident)));
-  Item* item = items_.back().get();
-  byIdent_.emplace(item->ident(), item);
+  Item* item = insertItem(*itemType, std::move(name), std::move(ident), nullptr);
   if (parent) {
     item->parent_ = parent;
     parent->children_.push_back(item);
   }
-  ++revision_;
+  if (stack == StackStart::Default && locatorTypes_.isLocator(type)) {
+    addTransform(*item, locatorTypes_.transformType(TransformKind::Scale), "Scale", {}, MainTransform::Scale);
+    addTransform(*item, locatorTypes_.transformType(TransformKind::Rotation), "Rotation", {}, MainTransform::Rotation);
+    addTransform(*item, locatorTypes_.transformType(TransformKind::Translation), "Position", {},
+                 MainTransform::Position);
+  }
   return item;
+}
+
+Item* Scene::addTransform(Item& locator, TypeCode type, std::string name, std::string ident,
+                          std::optional<MainTransform> main) {
+  const ItemType* itemType = types_->type(type);
+  const std::optional<TransformKind> kind = locatorTypes_.transformKind(type);
+  if (!itemType || !kind || !locatorTypes_.isLocator(locator.typeCode())) return nullptr;
+  if (main && (mainTransformKind(*main) != *kind || locator.mainTransform(*main))) return nullptr;
+  if (ident.empty()) {
+    ident = uniqueIdent(locator.ident() + "/" + name, [this](const std::string& id) { return byIdent_.count(id) != 0; });
+  } else if (byIdent_.count(ident)) {
+    return nullptr;
+  }
+  const Item* after = locator.transforms_.empty() ? &locator : locator.transforms_.back();
+  Item* item = insertItem(*itemType, std::move(name), std::move(ident), after);
+  item->stackOwner_ = &locator;
+  locator.transforms_.push_back(item);
+  if (main) locator.mainTransforms_[static_cast<int>(*main)] = item;
+  return item;
+}
+
+void Scene::addToItemList(Item& item) {
+  if (std::find(itemList_.begin(), itemList_.end(), &item) == itemList_.end()) itemList_.push_back(&item);
 }
 
 Item* Scene::findIdent(std::string_view ident) const {

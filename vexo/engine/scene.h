@@ -6,13 +6,16 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "engine/channel_links.h"
 #include "engine/item.h"
 #include "engine/item_types.h"
+#include "engine/locator_types.h"
 #include "engine/mesh_store.h"
 
 namespace vexo {
@@ -26,8 +29,16 @@ std::string uniqueIdent(std::string_view base, const std::function<bool(const st
 class Scene;
 
 // An item named by a user: the item with that ident, else the only item with
-// that name. Null when there is none or the name is shared; `problem` then says which.
+// that name, else, for "LOCATOR/NAME", the only transform item called NAME in
+// the stack of the locator LOCATOR names. Null when there is none or the name
+// is shared; `problem` then says which.
 Item* findItemByRef(const Scene& scene, std::string_view ref, std::string* problem);
+
+// How a new locator's transform stack starts.
+enum class StackStart {
+  Default,  // its main "Scale", "Rotation" and "Position" items, applied in that order
+  Empty,    // nothing yet: the caller builds the stack with addTransform
+};
 
 class Scene {
  public:
@@ -37,12 +48,24 @@ class Scene {
   Scene& operator=(const Scene&) = delete;
 
   const TypeRegistry& types() const { return *types_; }
+  const LocatorTypes& locatorTypes() const { return locatorTypes_; }
   Item& sceneItem() { return *items_.front(); }
 
   // Appends an item to the scene order, as the last child of `parent` when
   // one is given. An empty ident takes the name (the type name for an empty
-  // name), made unique. Null when the type is unknown or the ident taken.
-  Item* addItem(TypeCode type, std::string name, std::string ident = {}, Item* parent = nullptr);
+  // name), made unique. A locator gets its transform stack as `stack` says.
+  // Null when the type is unknown or the ident taken.
+  Item* addItem(TypeCode type, std::string name, std::string ident = {}, Item* parent = nullptr,
+                StackStart stack = StackStart::Default);
+
+  // Appends a transform item ("translation", "rotation", "scale", "transform"
+  // or "shear") to the end of a locator's stack. In scene order it follows the
+  // locator's other transform items; it has no parent. An empty ident becomes
+  // "LOCATOR-IDENT/NAME", made unique. With `main` it becomes that main
+  // transform, which must be of the matching type and not yet taken. Null when
+  // any of this does not hold or the ident is taken.
+  Item* addTransform(Item& locator, TypeCode type, std::string name, std::string ident = {},
+                     std::optional<MainTransform> main = std::nullopt);
 
   std::size_t itemCount() const { return items_.size(); }
   Item& item(std::size_t index) const { return *items_[index]; }  // scene order
@@ -55,6 +78,15 @@ class Scene {
   // Empty for a selection type nothing was selected in.
   const std::vector<Item*>& selection(std::string_view selectionType = kItemSelection) const;
 
+  // Links between channels of this scene's items (see ChannelLinks::add).
+  bool addLink(const ChannelLink& link, std::string* problem) { return links_.add(link, problem); }
+  const ChannelLinks& links() const { return links_; }
+
+  // The ordered list of items a host hands to "export these items"; an item
+  // already listed keeps its place.
+  void addToItemList(Item& item);
+  const std::vector<Item*>& itemList() const { return itemList_; }
+
   // The meshes of the scene's "mesh", "triSurf" and "meshInst" items.
   MeshStore& meshes() { return meshes_; }
 
@@ -65,10 +97,16 @@ class Scene {
   std::uint64_t revision() const { return revision_; }
 
  private:
+  // Inserts an item right after `after` in scene order, or at the end.
+  Item* insertItem(const ItemType& type, std::string name, std::string ident, const Item* after);
+
   const TypeRegistry* types_;
+  LocatorTypes locatorTypes_;
   std::vector<std::unique_ptr<Item>> items_;
   std::unordered_map<std::string, Item*> byIdent_;
   std::map<std::string, std::vector<Item*>, std::less<>> selections_;
+  ChannelLinks links_;
+  std::vector<Item*> itemList_;
   MeshStore meshes_{*types_};
   double time_ = 0.0;
   std::uint64_t revision_ = 0;

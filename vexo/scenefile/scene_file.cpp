@@ -7,21 +7,31 @@
 #include <fstream>
 #include <iterator>
 #include <limits>
-#include <set>
 #include <sstream>
-#include <vector>
 
-#include "scenefile/json_tree.h"
-#include "scenefile/mesh_reader.h"
+#include "scenefile/scene_reader.h"
 
 namespace vexo {
 namespace {
 
 using Kind = JsonNode::Kind;
 
-const char* const kItemKeys[] = {"name", "type", "id", "channels", "actions", "children", "mesh", "source"};
-const char* const kSceneKeys[] = {"channels", "actions"};
-const char* const kRootKeys[] = {"scene", "time", "items", "selection"};
+const KeyList kItemKeys = {"name", "type", "id", "channels", "actions", "children", "mesh", "source"};
+const KeyList kSceneKeys = {"channels", "actions"};
+const KeyList kRootKeys = {"scene", "time", "items", "selection", "links", "itemList"};
+
+// The keys an item of this type takes.
+const KeyList& itemKeys(bool locator) {
+  static const KeyList withLocatorKeys = [] {
+    KeyList keys = kItemKeys;
+    const KeyList& more = locatorItemKeys();
+    keys.insert(keys.end(), more.begin(), more.end());
+    return keys;
+  }();
+  return locator ? withLocatorKeys : kItemKeys;
+}
+
+}  // namespace
 
 std::string inQuotes(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
@@ -36,232 +46,226 @@ std::string describe(const JsonNode& node) {
   return out.str();
 }
 
-template <std::size_t N>
-std::string keyList(const char* const (&keys)[N]) {
+std::string keyList(const KeyList& keys) {
   std::string list;
-  for (std::size_t i = 0; i < N; ++i) list += (i ? ", " : "") + inQuotes(keys[i]);
+  for (std::size_t i = 0; i < keys.size(); ++i) list += (i ? ", " : "") + inQuotes(keys[i]);
   return list;
 }
 
-class SceneFileReader {
- public:
-  // `text` is the parsed file, whose raw mesh values the mesh reader parses.
-  SceneFileReader(std::string_view text, const std::string& fileName, Scene& scene)
-      : fileName_(fileName), scene_(scene), meshes_(text, scene) {}
-
-  bool read(const JsonNode& root) {
-    if (root.kind != Kind::Object) return fail(root.pos, "a scene file holds a JSON object, not " + describe(root));
-    if (!checkKeys(root, kRootKeys, "at the top level")) return false;
-    if (const JsonNode* items = member(root, "items")) {
-      if (!expect(*items, Kind::Array, "\"items\"") || !collectIds(*items) || !readItems(*items, nullptr))
-        return false;
-    }
-    if (const JsonNode* scene = member(root, "scene")) {
-      if (!expect(*scene, Kind::Object, "\"scene\"") || !checkKeys(*scene, kSceneKeys, "in \"scene\"") ||
-          !readItemBody(*scene, scene_.sceneItem()))
-        return false;
-    }
-    if (const JsonNode* time = member(root, "time")) {
-      if (!time->isNumber()) return fail(time->pos, "\"time\" takes a number of seconds, not " + describe(*time));
-      scene_.setTime(time->number);
-    }
-    if (JsonError e; !meshes_.resolveSources(e)) return fail(e.pos, e.message);
-    if (!checkActions()) return false;
-    if (const JsonNode* selection = member(root, "selection")) return readSelection(*selection);
-    return true;
+bool SceneReader::read(const JsonNode& root) {
+  if (root.kind != Kind::Object) return fail(root.pos, "a scene file holds a JSON object, not " + describe(root));
+  if (!checkKeys(root, kRootKeys, "at the top level")) return false;
+  if (const JsonNode* items = member(root, "items")) {
+    if (!expect(*items, Kind::Array, "\"items\"") || !collectIds(*items) || !readItems(*items, nullptr))
+      return false;
   }
-
-  const std::string& error() const { return error_; }
-
- private:
-  struct ActionUse {
-    std::string name;
-    TextPos pos;
-  };
-
-  bool fail(TextPos pos, const std::string& message) {
-    error_ = fileName_ + ":" + std::to_string(pos.line) + ":" + std::to_string(pos.column) + ": " + message;
-    return false;
+  if (const JsonNode* scene = member(root, "scene")) {
+    if (!expect(*scene, Kind::Object, "\"scene\"") || !checkKeys(*scene, kSceneKeys, "in \"scene\"") ||
+        !readItemBody(*scene, scene_.sceneItem()))
+      return false;
   }
-
-  bool expect(const JsonNode& node, Kind kind, const std::string& what) {
-    if (node.kind == kind) return true;
-    return fail(node.pos, what + " takes " + jsonKindName(kind) + ", not " + describe(node));
+  if (const JsonNode* time = member(root, "time")) {
+    if (!time->isNumber()) return fail(time->pos, "\"time\" takes a number of seconds, not " + describe(*time));
+    scene_.setTime(time->number);
   }
+  if (JsonError e; !meshes_.resolveSources(e)) return fail(e.pos, e.message);
+  if (!checkActions()) return false;
+  if (const JsonNode* selection = member(root, "selection"); selection && !readSelection(*selection)) return false;
+  if (const JsonNode* links = member(root, "links"); links && !readLinks(*links)) return false;
+  if (const JsonNode* list = member(root, "itemList"); list && !readItemList(*list)) return false;
+  return true;
+}
 
-  static const JsonNode* member(const JsonNode& object, std::string_view key) {
-    for (const JsonMember& m : object.members)
-      if (m.key == key) return &m.value;
-    return nullptr;
+bool SceneReader::fail(TextPos pos, const std::string& message) {
+  error_ = fileName_ + ":" + std::to_string(pos.line) + ":" + std::to_string(pos.column) + ": " + message;
+  return false;
+}
+
+bool SceneReader::expect(const JsonNode& node, Kind kind, const std::string& what) {
+  if (node.kind == kind) return true;
+  return fail(node.pos, what + " takes " + jsonKindName(kind) + ", not " + describe(node));
+}
+
+const JsonNode* SceneReader::member(const JsonNode& object, std::string_view key) {
+  for (const JsonMember& m : object.members)
+    if (m.key == key) return &m.value;
+  return nullptr;
+}
+
+// Unknown and repeated keys are errors, so a misspelt key never goes unnoticed.
+bool SceneReader::checkKeys(const JsonNode& object, const KeyList& allowed, const std::string& where) {
+  std::set<std::string_view> seen;
+  for (const JsonMember& m : object.members) {
+    bool known = false;
+    for (const char* key : allowed) known = known || m.key == key;
+    if (!known)
+      return fail(m.keyPos, "unknown key " + inQuotes(m.key) + " " + where + "; expected one of " + keyList(allowed));
+    if (!seen.insert(m.key).second) return fail(m.keyPos, "duplicate key " + inQuotes(m.key));
   }
+  return true;
+}
 
-  // Unknown and repeated keys are errors, so a misspelt key never goes unnoticed.
-  template <std::size_t N>
-  bool checkKeys(const JsonNode& object, const char* const (&allowed)[N], const char* where) {
+bool SceneReader::reserveId(const JsonNode& id) {
+  if (id.kind != Kind::String) return true;  // reported where the item is read
+  if (!ids_.insert(id.text).second) return fail(id.pos, "duplicate id " + inQuotes(id.text));
+  return true;
+}
+
+std::string SceneReader::freeIdent(const std::string& base) const {
+  return uniqueIdent(base, [this](const std::string& candidate) {
+    return scene_.findIdent(candidate) || ids_.count(candidate);
+  });
+}
+
+// Explicit ids are gathered first, so that items named later cannot take them as generated idents.
+bool SceneReader::collectIds(const JsonNode& items) {
+  for (const JsonNode& item : items.elements) {
+    if (item.kind != Kind::Object) continue;
+    if (const JsonNode* id = member(item, "id"); id && !reserveId(*id)) return false;
+    if (!collectTransformIds(item)) return false;
+    if (const JsonNode* children = member(item, "children"); children && children->kind == Kind::Array)
+      if (!collectIds(*children)) return false;
+  }
+  return true;
+}
+
+bool SceneReader::readItems(const JsonNode& items, Item* parent) {
+  for (const JsonNode& node : items.elements)
+    if (!readItem(node, parent)) return false;
+  return true;
+}
+
+bool SceneReader::readItem(const JsonNode& node, Item* parent) {
+  if (!expect(node, Kind::Object, "an item")) return false;
+  const JsonNode* name = member(node, "name");
+  const JsonNode* type = member(node, "type");
+  const JsonNode* id = member(node, "id");
+  const TypeCode code = type && type->kind == Kind::String ? scene_.types().find(type->text) : kNoType;
+  const bool locator = scene_.locatorTypes().isLocator(code);
+  // A misspelt type would otherwise show as keys its type does not take.
+  if (type && type->kind == Kind::String && code == kNoType)
+    return fail(type->pos, "unknown item type " + inQuotes(type->text));
+  if (code != kNoType && !locator && !checkNotLocatorKeys(node, type->text)) return false;
+  if (!checkKeys(node, itemKeys(locator), "in an item")) return false;
+  if (!name) return fail(node.pos, "item has no \"name\"");
+  if (!expect(*name, Kind::String, "\"name\"")) return false;
+  if (name->text.empty()) return fail(name->pos, "item name is empty");
+  if (!type) return fail(node.pos, "item " + inQuotes(name->text) + " has no \"type\"");
+  if (!expect(*type, Kind::String, "\"type\"")) return false;
+
+  std::string ident;
+  if (id) {
+    if (!expect(*id, Kind::String, "\"id\"")) return false;
+    if (id->text.empty()) return fail(id->pos, "item id is empty");
+    ident = id->text;
+  } else {
+    ident = freeIdent(name->text);
+  }
+  // The reader builds each locator's stack itself, with idents that avoid the file's ids.
+  Item* item = scene_.addItem(code, name->text, ident, parent, StackStart::Empty);
+  if (!item) return fail(id ? id->pos : name->pos, "id " + inQuotes(ident) + " is already taken");
+  if (locator && !readTransformStack(node, *item)) return false;
+  if (!readItemBody(node, *item)) return false;
+  if (JsonError e; !meshes_.readItem(node, *item, e)) return fail(e.pos, e.message);
+  if (const JsonNode* children = member(node, "children")) {
+    if (!expect(*children, Kind::Array, "\"children\"") || !readItems(*children, item)) return false;
+  }
+  return true;
+}
+
+bool SceneReader::readItemBody(const JsonNode& node, Item& item) {
+  if (const JsonNode* channels = member(node, "channels")) {
+    if (!readChannels(*channels, item, kSetupAction)) return false;
+  }
+  if (const JsonNode* actions = member(node, "actions")) {
+    if (!expect(*actions, Kind::Object, "\"actions\"")) return false;
     std::set<std::string_view> seen;
-    for (const JsonMember& m : object.members) {
-      bool known = false;
-      for (const char* key : allowed) known = known || m.key == key;
-      if (!known)
-        return fail(m.keyPos, "unknown key " + inQuotes(m.key) + " " + where + "; expected one of " + keyList(allowed));
-      if (!seen.insert(m.key).second) return fail(m.keyPos, "duplicate key " + inQuotes(m.key));
+    for (const JsonMember& action : actions->members) {
+      if (action.key == kSetupAction)
+        return fail(action.keyPos, "setup values are written under \"channels\", not as an action");
+      if (!seen.insert(action.key).second) return fail(action.keyPos, "duplicate key " + inQuotes(action.key));
+      if (action.key != kEditAction) actionUses_.push_back({action.key, action.keyPos});
+      if (!readChannels(action.value, item, action.key)) return false;
     }
-    return true;
   }
+  return true;
+}
 
-  // Explicit ids are gathered first, so that items named later cannot take them as generated idents.
-  bool collectIds(const JsonNode& items) {
-    for (const JsonNode& item : items.elements) {
-      if (item.kind != Kind::Object) continue;
-      if (const JsonNode* id = member(item, "id"); id && id->kind == Kind::String) {
-        if (!ids_.insert(id->text).second) return fail(id->pos, "duplicate id " + inQuotes(id->text));
-      }
-      if (const JsonNode* children = member(item, "children"); children && children->kind == Kind::Array)
-        if (!collectIds(*children)) return false;
-    }
-    return true;
+bool SceneReader::readChannels(const JsonNode& channels, Item& item, std::string_view action) {
+  if (!expect(channels, Kind::Object, "channel values")) return false;
+  std::set<std::string_view> seen;
+  for (const JsonMember& m : channels.members) {
+    int index = scene_.types().findChannel(item.typeCode(), m.key);
+    if (index < 0)
+      return fail(m.keyPos, "unknown channel " + inQuotes(m.key) + " for item type " + inQuotes(item.type().name));
+    if (!seen.insert(m.key).second) return fail(m.keyPos, "duplicate key " + inQuotes(m.key));
+    if (scene_.locatorTypes().matrixChannelAt(item.typeCode(), static_cast<std::size_t>(index)))
+      return fail(m.keyPos, "channel " + inQuotes(m.key) + " is computed from the transforms and cannot be set");
+    Value value;
+    if (!readValue(m.value, item.channel(static_cast<std::size_t>(index)), value)) return false;
+    item.setValue(static_cast<std::size_t>(index), action, std::move(value));
   }
+  return true;
+}
 
-  bool readItems(const JsonNode& items, Item* parent) {
-    for (const JsonNode& node : items.elements)
-      if (!readItem(node, parent)) return false;
-    return true;
+bool SceneReader::readValue(const JsonNode& node, const ChannelDef& channel, Value& value) {
+  const std::string what = "channel " + inQuotes(channel.name) + " takes ";
+  switch (channel.type) {
+    case ValueType::Integer:
+      if (node.kind != Kind::Integer) return fail(node.pos, what + "an integer, not " + describe(node));
+      if (node.integer < std::numeric_limits<std::int32_t>::min() ||
+          node.integer > std::numeric_limits<std::int32_t>::max())
+        return fail(node.pos, what + "a 32-bit integer, not " + describe(node));
+      value = static_cast<std::int32_t>(node.integer);
+      return true;
+    case ValueType::Float:
+      if (!node.isNumber()) return fail(node.pos, what + "a number, not " + describe(node));
+      value = node.number;
+      return true;
+    case ValueType::Text:
+      if (node.kind != Kind::String) return fail(node.pos, what + "a string, not " + describe(node));
+      value = node.text;
+      return true;
+    case ValueType::Matrix:
+      break;
   }
-
-  bool readItem(const JsonNode& node, Item* parent) {
-    if (!expect(node, Kind::Object, "an item") || !checkKeys(node, kItemKeys, "in an item")) return false;
-    const JsonNode* name = member(node, "name");
-    const JsonNode* type = member(node, "type");
-    const JsonNode* id = member(node, "id");
-    if (!name) return fail(node.pos, "item has no \"name\"");
-    if (!expect(*name, Kind::String, "\"name\"")) return false;
-    if (name->text.empty()) return fail(name->pos, "item name is empty");
-    if (!type) return fail(node.pos, "item " + inQuotes(name->text) + " has no \"type\"");
-    if (!expect(*type, Kind::String, "\"type\"")) return false;
-    TypeCode code = scene_.types().find(type->text);
-    if (code == kNoType) return fail(type->pos, "unknown item type " + inQuotes(type->text));
-
-    std::string ident;
-    if (id) {
-      if (!expect(*id, Kind::String, "\"id\"")) return false;
-      if (id->text.empty()) return fail(id->pos, "item id is empty");
-      ident = id->text;
-    } else {
-      ident = uniqueIdent(name->text, [this](const std::string& candidate) {
-        return scene_.findIdent(candidate) || ids_.count(candidate);
-      });
-    }
-    Item* item = scene_.addItem(code, name->text, ident, parent);
-    if (!item) return fail(id ? id->pos : name->pos, "id " + inQuotes(ident) + " is already taken");
-    if (!readItemBody(node, *item)) return false;
-    if (JsonError e; !meshes_.readItem(node, *item, e)) return fail(e.pos, e.message);
-    if (const JsonNode* children = member(node, "children")) {
-      if (!expect(*children, Kind::Array, "\"children\"") || !readItems(*children, item)) return false;
-    }
-    return true;
+  if (node.kind != Kind::Array || node.elements.size() != 16) {
+    std::string got = node.kind == Kind::Array ? "an array of " + std::to_string(node.elements.size())
+                                               : describe(node);
+    return fail(node.pos, what + "a matrix of 16 numbers, not " + got);
   }
-
-  bool readItemBody(const JsonNode& node, Item& item) {
-    if (const JsonNode* channels = member(node, "channels")) {
-      if (!readChannels(*channels, item, kSetupAction)) return false;
-    }
-    if (const JsonNode* actions = member(node, "actions")) {
-      if (!expect(*actions, Kind::Object, "\"actions\"")) return false;
-      std::set<std::string_view> seen;
-      for (const JsonMember& action : actions->members) {
-        if (action.key == kSetupAction)
-          return fail(action.keyPos, "setup values are written under \"channels\", not as an action");
-        if (!seen.insert(action.key).second) return fail(action.keyPos, "duplicate key " + inQuotes(action.key));
-        if (action.key != kEditAction) actionUses_.push_back({action.key, action.keyPos});
-        if (!readChannels(action.value, item, action.key)) return false;
-      }
-    }
-    return true;
+  Matrix m{};
+  for (std::size_t i = 0; i < 16; ++i) {
+    const JsonNode& element = node.elements[i];
+    if (!element.isNumber()) return fail(element.pos, "matrix element " + std::to_string(i) + " is " + describe(element) + ", not a number");
+    m[i] = element.number;
   }
+  value = m;
+  return true;
+}
 
-  bool readChannels(const JsonNode& channels, Item& item, std::string_view action) {
-    if (!expect(channels, Kind::Object, "channel values")) return false;
-    std::set<std::string_view> seen;
-    for (const JsonMember& m : channels.members) {
-      int index = scene_.types().findChannel(item.typeCode(), m.key);
-      if (index < 0)
-        return fail(m.keyPos, "unknown channel " + inQuotes(m.key) + " for item type " + inQuotes(item.type().name));
-      if (!seen.insert(m.key).second) return fail(m.keyPos, "duplicate key " + inQuotes(m.key));
-      Value value;
-      if (!readValue(m.value, item.channel(static_cast<std::size_t>(index)), value)) return false;
-      item.setValue(static_cast<std::size_t>(index), action, std::move(value));
-    }
-    return true;
+// Action names other than "edit" are action clips, which may be declared anywhere in the file.
+bool SceneReader::checkActions() {
+  TypeCode clip = scene_.types().find("actionclip");
+  std::set<std::string> clips;
+  for (Item* item : scene_.itemsOfType(clip)) clips.insert(item->name());
+  for (const ActionUse& use : actionUses_)
+    if (!clips.count(use.name))
+      return fail(use.pos, "unknown action " + inQuotes(use.name) + "; actions are \"edit\" and the names of \"actionclip\" items");
+  return true;
+}
+
+bool SceneReader::readSelection(const JsonNode& selection) {
+  if (!expect(selection, Kind::Array, "\"selection\"")) return false;
+  for (const JsonNode& ref : selection.elements) {
+    if (!expect(ref, Kind::String, "a selection entry")) return false;
+    std::string problem;
+    Item* item = findItemByRef(scene_, ref.text, &problem);
+    if (!item) return fail(ref.pos, "cannot select: " + problem);
+    scene_.select(*item);
   }
-
-  bool readValue(const JsonNode& node, const ChannelDef& channel, Value& value) {
-    const std::string what = "channel " + inQuotes(channel.name) + " takes ";
-    switch (channel.type) {
-      case ValueType::Integer:
-        if (node.kind != Kind::Integer) return fail(node.pos, what + "an integer, not " + describe(node));
-        if (node.integer < std::numeric_limits<std::int32_t>::min() ||
-            node.integer > std::numeric_limits<std::int32_t>::max())
-          return fail(node.pos, what + "a 32-bit integer, not " + describe(node));
-        value = static_cast<std::int32_t>(node.integer);
-        return true;
-      case ValueType::Float:
-        if (!node.isNumber()) return fail(node.pos, what + "a number, not " + describe(node));
-        value = node.number;
-        return true;
-      case ValueType::Text:
-        if (node.kind != Kind::String) return fail(node.pos, what + "a string, not " + describe(node));
-        value = node.text;
-        return true;
-      case ValueType::Matrix:
-        break;
-    }
-    if (node.kind != Kind::Array || node.elements.size() != 16) {
-      std::string got = node.kind == Kind::Array ? "an array of " + std::to_string(node.elements.size())
-                                                 : describe(node);
-      return fail(node.pos, what + "a matrix of 16 numbers, not " + got);
-    }
-    Matrix m{};
-    for (std::size_t i = 0; i < 16; ++i) {
-      const JsonNode& element = node.elements[i];
-      if (!element.isNumber()) return fail(element.pos, "matrix element " + std::to_string(i) + " is " + describe(element) + ", not a number");
-      m[i] = element.number;
-    }
-    value = m;
-    return true;
-  }
-
-  // Action names other than "edit" are action clips, which may be declared anywhere in the file.
-  bool checkActions() {
-    TypeCode clip = scene_.types().find("actionclip");
-    std::set<std::string> clips;
-    for (Item* item : scene_.itemsOfType(clip)) clips.insert(item->name());
-    for (const ActionUse& use : actionUses_)
-      if (!clips.count(use.name))
-        return fail(use.pos, "unknown action " + inQuotes(use.name) + "; actions are \"edit\" and the names of \"actionclip\" items");
-    return true;
-  }
-
-  bool readSelection(const JsonNode& selection) {
-    if (!expect(selection, Kind::Array, "\"selection\"")) return false;
-    for (const JsonNode& ref : selection.elements) {
-      if (!expect(ref, Kind::String, "a selection entry")) return false;
-      std::string problem;
-      Item* item = findItemByRef(scene_, ref.text, &problem);
-      if (!item) return fail(ref.pos, "cannot select: " + problem);
-      scene_.select(*item);
-    }
-    return true;
-  }
-
-  const std::string& fileName_;
-  Scene& scene_;
-  MeshReader meshes_;
-  std::set<std::string> ids_;
-  std::vector<ActionUse> actionUses_;
-  std::string error_;
-};
-
-}  // namespace
+  return true;
+}
 
 bool readSceneText(std::string_view text, const std::string& fileName, Scene& scene, std::string& error) {
   JsonNode root;
@@ -271,7 +275,7 @@ bool readSceneText(std::string_view text, const std::string& fileName, Scene& sc
             syntax.message;
     return false;
   }
-  SceneFileReader reader(text, fileName, scene);
+  SceneReader reader(text, fileName, scene);
   if (reader.read(root)) return true;
   error = reader.error();
   return false;

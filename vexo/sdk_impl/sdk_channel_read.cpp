@@ -10,18 +10,22 @@
 
 namespace vexo {
 
-VxResult SdkChannelRead::resolve(IVxItem* item, unsigned channel, const void* out, const Item** resolved) const {
+SdkChannelRead::SdkChannelRead(SdkScene& scene, const std::string& action, double time)
+    : scene_(scene), evaluation_(scene.scene(), action, time) {}
+
+VxResult SdkChannelRead::resolve(IVxItem* item, unsigned channel, const void* out, const Value** resolved) {
   const Item* engineItem = scene_.unwrap(item);
   if (!engineItem || !out) return VXR_BADARG;
   if (channel >= engineItem->channelCount()) return VXR_OUTOFBOUNDS;
-  *resolved = engineItem;
-  return VXR_OK;
+  // Only a matrix that needs itself, through links and parents, has no value.
+  *resolved = evaluation_.value(*engineItem, channel);
+  return *resolved ? VXR_OK : VXR_FAILED;
 }
 
 VxResult SdkChannelRead::Integer(IVxItem* item, unsigned channel, std::int32_t* value) {
-  const Item* source = nullptr;
+  const Value* source = nullptr;
   if (VxResult r = resolve(item, channel, value, &source); VxFailed(r)) return r;
-  const Value& v = source->value(channel, action_);
+  const Value& v = *source;
   if (const auto* i = std::get_if<std::int32_t>(&v)) {
     *value = *i;
     return VXR_OK;
@@ -36,9 +40,9 @@ VxResult SdkChannelRead::Integer(IVxItem* item, unsigned channel, std::int32_t* 
 }
 
 VxResult SdkChannelRead::Double(IVxItem* item, unsigned channel, double* value) {
-  const Item* source = nullptr;
+  const Value* source = nullptr;
   if (VxResult r = resolve(item, channel, value, &source); VxFailed(r)) return r;
-  const Value& v = source->value(channel, action_);
+  const Value& v = *source;
   if (const auto* d = std::get_if<double>(&v)) {
     *value = *d;
   } else if (const auto* i = std::get_if<std::int32_t>(&v)) {
@@ -50,18 +54,18 @@ VxResult SdkChannelRead::Double(IVxItem* item, unsigned channel, double* value) 
 }
 
 VxResult SdkChannelRead::Text(IVxItem* item, unsigned channel, const char** value) {
-  const Item* source = nullptr;
+  const Value* source = nullptr;
   if (VxResult r = resolve(item, channel, value, &source); VxFailed(r)) return r;
-  const auto* text = std::get_if<std::string>(&source->value(channel, action_));
+  const auto* text = std::get_if<std::string>(source);
   if (!text) return VXR_BADARG;
   *value = text->c_str();
   return VXR_OK;
 }
 
 VxResult SdkChannelRead::Matrix(IVxItem* item, unsigned channel, double matrix[16]) {
-  const Item* source = nullptr;
+  const Value* source = nullptr;
   if (VxResult r = resolve(item, channel, matrix, &source); VxFailed(r)) return r;
-  const auto* m = std::get_if<vexo::Matrix>(&source->value(channel, action_));
+  const auto* m = std::get_if<vexo::Matrix>(source);
   if (!m) return VXR_BADARG;
   for (int i = 0; i < 16; ++i) matrix[i] = (*m)[i];
   return VXR_OK;

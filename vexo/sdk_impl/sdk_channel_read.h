@@ -1,9 +1,10 @@
-// IVxChannelRead: channel values of one scene as they evaluate in one action at one time.
+// IVxChannelRead: channel values of one scene as they evaluate in one action at
+// one time, links followed and locator matrices computed.
 #pragma once
 
 #include <string>
-#include <utility>
 
+#include "engine/evaluation.h"
 #include "vexo/vx_scene.h"
 
 namespace vexo {
@@ -14,11 +15,10 @@ struct ChannelDef;
 
 class SdkChannelRead final : public IVxChannelRead {
  public:
-  SdkChannelRead(SdkScene& scene, std::string action, double time)
-      : scene_(scene), action_(std::move(action)), time_(time) {}
+  SdkChannelRead(SdkScene& scene, const std::string& action, double time);
 
-  double Time() const override { return time_; }
-  const char* Action() const override { return action_.c_str(); }
+  double Time() const override { return evaluation_.time(); }
+  const char* Action() const override { return evaluation_.action().c_str(); }
   // Float values read as integers round to the nearest one; out of range fails.
   VxResult Integer(IVxItem* item, unsigned channel, std::int32_t* value) override;
   VxResult Double(IVxItem* item, unsigned channel, double* value) override;
@@ -28,12 +28,11 @@ class SdkChannelRead final : public IVxChannelRead {
 
  private:
   ~SdkChannelRead() = default;
-  // The engine item for a read, or the failure to return.
-  VxResult resolve(IVxItem* item, unsigned channel, const void* out, const Item** resolved) const;
+  // The value for a read, or the failure to return.
+  VxResult resolve(IVxItem* item, unsigned channel, const void* out, const Value** resolved);
 
   SdkScene& scene_;
-  std::string action_;
-  double time_;
+  Evaluation evaluation_;
 };
 
 }  // namespace vexo

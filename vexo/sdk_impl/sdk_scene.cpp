@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "sdk_impl/sdk_channel_read.h"
+#include "sdk_impl/sdk_locator.h"
 
 namespace vexo {
 
@@ -41,6 +42,12 @@ VxResult SdkItem::ChannelType(unsigned index, VxChannelType* type) {
   *type = sdkChannelType(item_.channel(index).type);
   return VXR_OK;
 }
+
+SdkScene::SdkScene(vexo::Scene& scene) : scene_(scene), locatorService_(std::make_unique<SdkLocatorService>(*this)) {}
+
+SdkScene::~SdkScene() = default;
+
+IVxLocatorService* SdkScene::LocatorService() { return locatorService_.get(); }
 
 IVxItem* SdkScene::wrap(Item* item) {
   if (!item) return nullptr;

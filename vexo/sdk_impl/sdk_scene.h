@@ -43,9 +43,14 @@ class SdkItem final : public IVxItem {
   Item& item_;
 };
 
+class SdkLocatorService;
+
 class SdkScene final : public IVxScene {
  public:
-  explicit SdkScene(vexo::Scene& scene) : scene_(scene) {}
+  explicit SdkScene(vexo::Scene& scene);
+  ~SdkScene();
+  SdkScene(const SdkScene&) = delete;
+  SdkScene& operator=(const SdkScene&) = delete;
 
   vexo::Scene& scene() const { return scene_; }
   // The IVxItem of an engine item; null for null.
@@ -65,6 +70,7 @@ class SdkScene final : public IVxScene {
   double Time() const override { return scene_.time(); }
   VxResult SetTime(double time) override;
 
+  IVxLocatorService* LocatorService() override;
   IVxMeshService* MeshService() override { return &meshService_; }
 
  private:
@@ -79,6 +85,7 @@ class SdkScene final : public IVxScene {
   vexo::Scene& scene_;
   std::unordered_map<const Item*, std::unique_ptr<SdkItem>> wrappers_;
   std::unordered_map<VxTypeCode, TypeView> typeViews_;
+  std::unique_ptr<SdkLocatorService> locatorService_;
   SdkSceneMeshes meshService_{*this};
 };
 

@@ -1,0 +1,157 @@
+#include "engine/evaluation.h"
+
+#include <algorithm>
+#include <cmath>
+#include <variant>
+
+#include "engine/item.h"
+
+namespace vexo {
+namespace {
+
+RotationOrder orderOf(double value) {
+  const double rounded = std::round(value);
+  return rounded >= 0.0 && rounded < kRotationOrderCount ? static_cast<RotationOrder>(static_cast<int>(rounded))
+                                                          : RotationOrder::XYZ;
+}
+
+}  // namespace
+
+Evaluation::Evaluation(const Scene& scene, std::string_view action, double time)
+    : scene_(scene), action_(action), time_(time) {}
+
+std::pair<const Item*, std::size_t> Evaluation::source(const Item& item, std::size_t channel) const {
+  const Item* current = &item;
+  std::size_t currentChannel = channel;
+  // The links were refused when they would loop, so a chain ends within as many steps as there are links.
+  for (std::size_t steps = 0; steps <= scene_.links().size(); ++steps) {
+    const auto& incoming = scene_.links().incoming(*current, currentChannel);
+    if (incoming.empty()) break;
+    current = incoming.back().from;
+    currentChannel = incoming.back().fromChannel;
+  }
+  return {current, currentChannel};
+}
+
+const Value& Evaluation::stored(const Item& item, std::size_t channel) const { return item.value(channel, action_); }
+
+const Value* Evaluation::value(const Item& item, std::size_t channel) {
+  if (channel >= item.channelCount()) return nullptr;
+  const auto [from, fromChannel] = source(item, channel);
+  if (auto which = scene_.locatorTypes().matrixChannelAt(from->typeCode(), fromChannel)) {
+    Matrix m;
+    if (!compute(*from, *which, m)) return nullptr;
+    scratch_ = m;
+    return &scratch_;
+  }
+  return &stored(*from, fromChannel);
+}
+
+bool Evaluation::number(const Item& item, std::size_t channel, double& out) {
+  const Value* v = value(item, channel);
+  if (!v) return false;
+  if (const auto* d = std::get_if<double>(v)) {
+    out = *d;
+  } else if (const auto* i = std::get_if<std::int32_t>(v)) {
+    out = *i;
+  } else {
+    return false;
+  }
+  return true;
+}
+
+bool Evaluation::matrix(const Item& locator, MatrixChannel which, Matrix& out) {
+  if (!scene_.locatorTypes().isLocator(locator.typeCode())) return false;
+  const int channel = scene_.locatorTypes().matrixChannel(which);
+  if (channel < 0) return compute(locator, which, out);
+  const Value* v = value(locator, static_cast<std::size_t>(channel));
+  const auto* m = v ? std::get_if<Matrix>(v) : nullptr;
+  if (!m) return false;
+  out = *m;
+  return true;
+}
+
+bool Evaluation::compute(const Item& locator, MatrixChannel which, Matrix& out) {
+  const std::pair<const Item*, MatrixChannel> key(&locator, which);
+  if (std::find(active_.begin(), active_.end(), key) != active_.end()) return false;
+  active_.push_back(key);
+
+  bool ok = true;
+  Matrix a, b;
+  switch (which) {
+    case MatrixChannel::Local:
+      out = identityMatrix();
+      for (const Item* transform : locator.transforms()) {
+        ok = ok && transformMatrix(*transform, a);
+        if (ok) out = multiply(out, a);
+      }
+      break;
+    case MatrixChannel::Parent: {
+      const Item* parent = locator.parent();
+      if (parent && scene_.locatorTypes().isLocator(parent->typeCode()))
+        ok = matrix(*parent, MatrixChannel::World, out);
+      else
+        out = identityMatrix();
+      break;
+    }
+    case MatrixChannel::World:
+      ok = matrix(locator, MatrixChannel::Local, a) && matrix(locator, MatrixChannel::Parent, b);
+      if (ok) out = multiply(a, b);
+      break;
+    case MatrixChannel::WorldPosition:
+    case MatrixChannel::WorldRotation:
+    case MatrixChannel::WorldScale:
+      ok = matrix(locator, MatrixChannel::World, a);
+      if (ok) {
+        out = which == MatrixChannel::WorldPosition   ? translationPart(a)
+              : which == MatrixChannel::WorldRotation ? rotationPart(a)
+                                                      : scalePart(a);
+      }
+      break;
+  }
+  active_.pop_back();
+  return ok;
+}
+
+double Evaluation::channelNumber(const Item& item, const char* name, double fallback) {
+  const int channel = scene_.types().findChannel(item.typeCode(), name);
+  double v = fallback;
+  if (channel >= 0) number(item, static_cast<std::size_t>(channel), v);
+  return v;
+}
+
+Vec3 Evaluation::vector3(const Item& item, const char* x, const char* y, const char* z, double fallback) {
+  return {channelNumber(item, x, fallback), channelNumber(item, y, fallback), channelNumber(item, z, fallback)};
+}
+
+bool Evaluation::transformMatrix(const Item& transform, Matrix& out) {
+  const std::optional<TransformKind> kind = scene_.locatorTypes().transformKind(transform.typeCode());
+  if (!kind) return false;
+  auto translation = [&] { return translationMatrix(vector3(transform, "pos.X", "pos.Y", "pos.Z", 0.0)); };
+  auto rotation = [&] {
+    return rotationMatrix(vector3(transform, "rot.X", "rot.Y", "rot.Z", 0.0),
+                          orderOf(channelNumber(transform, "order", 0.0)));
+  };
+  auto scale = [&] { return scaleMatrix(vector3(transform, "scl.X", "scl.Y", "scl.Z", 1.0)); };
+  switch (*kind) {
+    case TransformKind::Translation:
+      out = translation();
+      break;
+    case TransformKind::Rotation:
+      out = rotation();
+      break;
+    case TransformKind::Scale:
+      out = scale();
+      break;
+    case TransformKind::Transform:
+      out = multiply(multiply(scale(), rotation()), translation());
+      break;
+    case TransformKind::Shear:
+      out = shearMatrix(channelNumber(transform, "shr.XY", 0.0), channelNumber(transform, "shr.XZ", 0.0),
+                        channelNumber(transform, "shr.YZ", 0.0));
+      break;
+  }
+  return true;
+}
+
+}  // namespace vexo

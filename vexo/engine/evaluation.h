@@ -1,0 +1,60 @@
+// Channel values as they evaluate in one action at one time: links are
+// followed, and a locator's matrices are computed from its transform stack
+// and its parents.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "engine/locator_types.h"
+#include "engine/matrix.h"
+#include "engine/scene.h"
+#include "engine/value.h"
+
+namespace vexo {
+
+class Evaluation {
+ public:
+  // The scene must outlive the evaluation; its values may change between calls.
+  Evaluation(const Scene& scene, std::string_view action, double time);
+
+  const std::string& action() const { return action_; }
+  double time() const { return time_; }
+
+  // The value a channel reads, or null when the channel index is out of
+  // range or the value depends on itself (through links between matrix
+  // channels and the hierarchy). A stored value stays valid while the
+  // scene's values are unchanged; a computed matrix until the next call.
+  const Value* value(const Item& item, std::size_t channel);
+  // An integer or float channel's value as a number; false for anything else.
+  bool number(const Item& item, std::size_t channel, double& out);
+
+  // One of a locator's matrix channels, exactly as reading that channel gives it.
+  // False when the item is no locator or the matrix depends on itself.
+  bool matrix(const Item& locator, MatrixChannel which, Matrix& out);
+
+  // The matrix of one transform item alone, from its channels.
+  bool transformMatrix(const Item& transform, Matrix& out);
+
+ private:
+  // The channel whose stored or computed value a channel reads: the end of its chain of links.
+  std::pair<const Item*, std::size_t> source(const Item& item, std::size_t channel) const;
+  // The one place stored values are looked up, so that values varying in time can be evaluated here.
+  const Value& stored(const Item& item, std::size_t channel) const;
+  bool compute(const Item& locator, MatrixChannel which, Matrix& out);
+  // A transform channel's value by name; `fallback` when the item has no such channel.
+  double channelNumber(const Item& item, const char* name, double fallback);
+  Vec3 vector3(const Item& item, const char* x, const char* y, const char* z, double fallback);
+
+  const Scene& scene_;
+  std::string action_;
+  double time_;
+  Value scratch_;
+  // The matrices being computed, to catch one that needs itself.
+  std::vector<std::pair<const Item*, MatrixChannel>> active_;
+};
+
+}  // namespace vexo

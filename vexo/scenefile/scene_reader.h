@@ -1,0 +1,87 @@
+// The scene-file reader's state and steps, shared by the files that read
+// each part of a scene file: scene_file.cpp (items, channels, actions,
+// selection) and locator_fields.cpp (transform stacks, links, item list).
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/scene.h"
+#include "scenefile/json_tree.h"
+#include "scenefile/mesh_reader.h"
+
+namespace vexo {
+
+using KeyList = std::vector<const char*>;
+
+std::string inQuotes(std::string_view text);
+// A JSON value for a message: numbers as written, anything else by its kind.
+std::string describe(const JsonNode& node);
+// "\"a\", \"b\", \"c\"".
+std::string keyList(const KeyList& keys);
+// The keys a locator item takes besides those of every item.
+const KeyList& locatorItemKeys();
+
+class SceneReader {
+ public:
+  // `text` is the parsed file, whose raw mesh values the mesh reader parses.
+  SceneReader(std::string_view text, const std::string& fileName, Scene& scene)
+      : fileName_(fileName), scene_(scene), meshes_(text, scene) {}
+
+  bool read(const JsonNode& root);
+  const std::string& error() const { return error_; }
+
+ private:
+  struct ActionUse {
+    std::string name;
+    TextPos pos;
+  };
+
+  // Messages and checks.
+  bool fail(TextPos pos, const std::string& message);
+  bool expect(const JsonNode& node, JsonNode::Kind kind, const std::string& what);
+  static const JsonNode* member(const JsonNode& object, std::string_view key);
+  bool checkKeys(const JsonNode& object, const KeyList& allowed, const std::string& where);
+  // Reserves an explicit id, so that generated idents avoid it.
+  bool reserveId(const JsonNode& id);
+  std::string freeIdent(const std::string& base) const;
+
+  // Items, channels and actions (scene_file.cpp).
+  bool collectIds(const JsonNode& items);
+  bool readItems(const JsonNode& items, Item* parent);
+  bool readItem(const JsonNode& node, Item* parent);
+  bool readItemBody(const JsonNode& node, Item& item);
+  bool readChannels(const JsonNode& channels, Item& item, std::string_view action);
+  bool readValue(const JsonNode& node, const ChannelDef& channel, Value& value);
+  bool checkActions();
+  bool readSelection(const JsonNode& selection);
+
+  // Locators' transform stacks, links and the item list (locator_fields.cpp).
+  bool collectTransformIds(const JsonNode& item);
+  // Fails on a locator key given to an item of a type that is no locator.
+  bool checkNotLocatorKeys(const JsonNode& node, const std::string& typeName);
+  bool readTransformStack(const JsonNode& node, Item& locator);
+  bool readStackShorthand(const JsonNode& node, Item& locator);
+  bool readTransformList(const JsonNode& transforms, Item& locator);
+  bool readTransform(const JsonNode& node, Item& locator);
+  bool readVector(const JsonNode& node, const std::string& what, double (&values)[3]);
+  bool readRotationOrder(const JsonNode& node, const std::string& what, int& order);
+  Item* addTransform(Item& locator, const char* type, const std::string& name, const JsonNode* id,
+                     std::optional<MainTransform> main, TextPos pos);
+  void setVector(Item& item, const char* const (&channels)[3], const double (&values)[3], double factor);
+  bool readLinks(const JsonNode& links);
+  bool readChannelRef(const JsonNode& node, const std::string& what, Item*& item, std::size_t& channel);
+  bool readItemList(const JsonNode& list);
+
+  const std::string& fileName_;
+  Scene& scene_;
+  MeshReader meshes_;
+  std::set<std::string> ids_;
+  std::vector<ActionUse> actionUses_;
+  std::string error_;
+};
+
+}  // namespace vexo
