@@ -33,6 +33,7 @@ VxResult chooseTransform(NodeWalkContext& context, const CVxUser_Item& item, std
     double parentInverse[16];
     if (locator.parentWorldMatrix(read, parentWorld) && matrix4::invert(parentWorld, parentInverse)) {
       matrix4::multiply(world, parentInverse, matrix);
+      matrix4::snapRoundingNoise(matrix);
       choice = "Local";
     }
   }

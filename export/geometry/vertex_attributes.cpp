@@ -29,6 +29,8 @@ Vec3 perpendicular(const Vec3& n) {
   return t;
 }
 
+float clampUnit(float value) { return value > 0.0f ? (value < 1.0f ? value : 1.0f) : 0.0f; }
+
 // glTF wants unit normals; a zero or broken one points up rather than nowhere.
 Vec3 unitNormal(const double* n) {
   Vec3 v{n[0], n[1], n[2]};
@@ -70,11 +72,12 @@ std::vector<GltfAttribute> writeVertexAttributes(GltfDocument& document, const M
   }
   attributes.push_back({"NORMAL", document.addFloatAccessor(GltfAccessorType::Vec3, data, false)});
 
+  // glTF colours lie in 0..1; the host's may be brighter than white or negative.
   for (std::size_t set = 0; set < maps.colours.size(); ++set) {
     data.clear();
     for (std::size_t v = 0; v < vertices; ++v) {
       const float* colour = &build.values[v * stride + builder.colourOffset(set)];
-      data.insert(data.end(), colour, colour + 4);
+      for (int c = 0; c < 4; ++c) data.push_back(clampUnit(colour[c]));
     }
     attributes.push_back({"COLOR_" + std::to_string(set), document.addFloatAccessor(GltfAccessorType::Vec4, data, false)});
   }

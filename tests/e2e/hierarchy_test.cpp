@@ -13,10 +13,12 @@
 namespace {
 
 // Rotations in several orders, pivots, non-uniform scale and three levels.
+// Non-uniform scale sits on a leaf: above a rotated child it would shear the
+// child's world matrix, which glTF cannot hold where a world matrix is written.
 const char* const kHierarchy = R"({
   "items": [
     { "name": "Root", "type": "locator", "position": [1, 2, 3], "rotation": [30, 45, 60],
-      "rotationOrder": "ZXY", "scale": [1, 2, 0.5], "rotationPivot": [0.5, 0, -1],
+      "rotationOrder": "ZXY", "scale": [1.5, 1.5, 1.5], "rotationPivot": [0.5, 0, -1],
       "children": [
         { "name": "Child1", "type": "locator", "position": [0, 1, 0], "rotation": [90, 0, 10],
           "rotationOrder": "YXZ",
@@ -31,7 +33,8 @@ const char* const kHierarchy = R"({
           "children": [ { "name": "UnderMorphGroup", "type": "locator" } ] },
         { "name": "Group", "type": "groupLocator" }
       ] },
-    { "name": "Top2", "type": "locator", "position": [-1, 0, 0], "rotation": [0, 0, 135], "rotationOrder": "ZYX" },
+    { "name": "Top2", "type": "locator", "position": [-1, 0, 0], "rotation": [0, 0, 135], "rotationOrder": "ZYX",
+      "scale": [1, 2, 0.5] },
     { "name": "Texture", "type": "txtrLocator" },
     { "name": "LightMat", "type": "lightMaterial" },
     { "name": "TextureGroup", "type": "locator" }
