@@ -3,6 +3,7 @@
 // matrices through an independent glTF reader.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "gltf_reader.h"
@@ -177,6 +178,36 @@ TEST(Hierarchy, CamerasFollowTheirOption) {
   EXPECT_EQ(without.gltf.nodeNames(), (std::vector<std::string>{"Root", "Child1", "Group", "Top2"}));
   EXPECT_TRUE(without.gltf.cameras.empty());
   EXPECT_EQ(without.json.find("\"cameras\""), std::string::npos);
+}
+
+TEST(Hierarchy, CustomStacksAndDrivenChannels) {
+  const std::string scene = R"({
+    "items": [
+      { "name": "Driver", "type": "locator", "position": [0.5, 0, 0] },
+      { "name": "Rig", "type": "locator", "transforms": [
+          { "type": "transform", "name": "ScalePivotCompensation", "position": [-1, 0, 0] },
+          { "type": "scale", "name": "Scale", "main": true, "values": [2, 2, 2] },
+          { "type": "translation", "name": "ScalePivot", "values": [1, 0, 0] },
+          { "type": "rotation", "name": "RotationPost", "values": [0, 10, 0] },
+          { "type": "rotation", "name": "Rotation", "main": true, "values": [0, 90, 0], "order": "YXZ" },
+          { "type": "rotation", "name": "RotationPre", "values": [5, 0, 0] },
+          { "type": "transform", "name": "Mount", "position": [0, 1, 0], "rotation": [0, 0, 45] },
+          { "type": "translation", "name": "Position", "main": true, "values": [3, 0, 0] } ],
+        "children": [ { "name": "Tip", "type": "locator", "position": [0, 0, 1] } ] }
+    ],
+    "links": [
+      { "from": "Driver/Position.pos.X", "to": "Rig/Rotation.rot.Z" },
+      { "from": "Driver.visible", "to": "Rig.visible" }
+    ]
+  })";
+  TempDir dir;
+  const Export out = exportScene(dir, scene, {"--set", "sceneio.gltf.save.exportType=0"});
+  expectWorldMatricesMatchTheHost(out, dir.file("scene.json"));
+  const VexoRun& run = out.run;
+  EXPECT_TRUE(run.printed("info:    Driven channel:visible")) << run.errText();
+  EXPECT_TRUE(run.printed("info:    Driven xform channel:Rotation.rot.Z"));
+  EXPECT_TRUE(run.printed("info:    driven:1 xformDriven:1"));
+  EXPECT_EQ(std::count(run.errLines.begin(), run.errLines.end(), "info:    driven:0 xformDriven:0"), 2);
 }
 
 TEST(Hierarchy, EveryExportTypeOfTheExampleSceneIsValid) {
