@@ -174,6 +174,19 @@ TEST_F(MeshSceneFile, AMeshItemWithoutMeshIsEmptyAndAnInstanceWithoutSourceHasNo
   EXPECT_EQ(sdk_.MeshService()->MeshLookup(sdk_.wrap(scene_.findIdent("B")), &mesh), VXR_NOTFOUND);
 }
 
+TEST_F(MeshSceneFile, TheShippedMeshExampleReads) {
+  std::string error;
+  ASSERT_TRUE(readSceneFile(EXAMPLES_DIR "/meshes.json", scene_, error)) << error;
+  IVxMesh* box = meshOf("Box");
+  ASSERT_NE(box, nullptr);
+  EXPECT_EQ(box->PolygonCount(), 6u);
+  VxMapID uv = VX_MAP_NONE;
+  ASSERT_EQ(box->MapLookup(VX_VMAP_TEXTUREUV, "uv0", &uv), VXR_OK);
+  EXPECT_EQ(box->MapValueCount(uv), 24u);  // a value at every corner of every face
+  EXPECT_EQ(meshOf("Copy"), box);
+  EXPECT_EQ(meshOf("Ground")->PolygonCount(), 4u);
+}
+
 struct MeshErrorCase {
   std::string text;
   std::string needle;  // where the message points: the first occurrence
