@@ -25,10 +25,12 @@ std::uint32_t widthOf(GltfBlockKind kind) {
   }
 }
 
+#if !(defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__)
 // The buffer is little-endian whatever the machine is.
 void putLittleEndian(unsigned char* out, std::uint32_t value, std::uint32_t width) {
   for (std::uint32_t i = 0; i < width; ++i) out[i] = static_cast<unsigned char>(value >> (8 * i));
 }
+#endif
 
 }  // namespace
 
@@ -46,6 +48,10 @@ std::uint32_t GltfDocument::addBlock(GltfBlockKind kind, const void* values, std
   block.padding = static_cast<std::uint32_t>(byteLength - dataLength);
   block.bytes.resize(dataLength);
   const auto* in = static_cast<const unsigned char*>(values);
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+  // The values are already in the buffer's byte order.
+  if (dataLength != 0) std::memcpy(block.bytes.data(), in, dataLength);
+#else
   for (std::uint32_t i = 0; i < valueCount; ++i) {
     std::uint32_t value = 0;
     if (width == 2) {
@@ -57,6 +63,7 @@ std::uint32_t GltfDocument::addBlock(GltfBlockKind kind, const void* values, std
     }
     putLittleEndian(block.bytes.data() + std::size_t{width} * i, value, width);
   }
+#endif
   impl_->blocks.push_back(std::move(block));
   return static_cast<std::uint32_t>(byteLength);
 }

@@ -6,25 +6,43 @@ namespace {
 constexpr std::uint32_t kEnd = 0xffffffffu;
 }
 
-MeshBuilder::MeshBuilder(const MeshMaps& maps, unsigned pointCount, bool splitByTag)
-    : maps_(maps), splitByTag_(splitByTag), pointHead_(pointCount, kEnd) {
+MeshBuilder::MeshBuilder(const MeshMaps& maps, unsigned pointCount, std::size_t indexCount, bool splitByTag)
+    : maps_(maps), splitByTag_(splitByTag), indexCount_(indexCount), pointHead_(pointCount, kEnd) {
   uvBase_ = 4 * maps.colours.size();
   tangentBase_ = uvBase_ + 3 * maps.uvs.size();
   stride_ = tangentBase_ + 6 * maps.tangentBases.size();
   corner_.resize(stride_);
+  // Most meshes have about one vertex per point; growing by doubling costs
+  // more than the memory reserved here.
+  vertexNext_.reserve(pointCount);
+  vertexPrimitive_.reserve(pointCount);
+  vertexLocal_.reserve(pointCount);
+}
+
+PrimitiveBuild& MeshBuilder::newPrimitive() {
+  primitives_.emplace_back();
+  PrimitiveBuild& build = primitives_.back();
+  if (primitives_.size() == 1) {
+    // The first primitive is usually the only one.
+    const std::size_t vertices = pointHead_.size();
+    build.indices.reserve(indexCount_);
+    build.vertexPoint.reserve(vertices);
+    build.normals.reserve(3 * vertices);
+    build.values.reserve(stride_ * vertices);
+  }
+  return build;
 }
 
 std::uint32_t MeshBuilder::primitiveFor(const char* tag) {
   if (!splitByTag_) {
-    if (primitives_.empty()) primitives_.emplace_back();
+    if (primitives_.empty()) newPrimitive();
     return 0;
   }
   // Neighbouring polygons mostly share their material: try the last one first.
   if (!primitives_.empty() && primitives_[lastPrimitive_].tag == tag) return lastPrimitive_;
   for (std::uint32_t i = 0; i < primitives_.size(); ++i)
     if (primitives_[i].tag == tag) return lastPrimitive_ = i;
-  primitives_.emplace_back();
-  primitives_.back().tag = tag;
+  newPrimitive().tag = tag;
   return lastPrimitive_ = static_cast<std::uint32_t>(primitives_.size() - 1);
 }
 

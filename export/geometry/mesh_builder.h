@@ -21,7 +21,8 @@ struct PrimitiveBuild {
 class MeshBuilder : public IVxPolygonVisitor {
  public:
   // `splitByTag`: one primitive per material tag in order of first use.
-  MeshBuilder(const MeshMaps& maps, unsigned pointCount, bool splitByTag);
+  // `indexCount` (3 per host triangle) sizes the arrays up front.
+  MeshBuilder(const MeshMaps& maps, unsigned pointCount, std::size_t indexCount, bool splitByTag);
 
   VxResult Polygon(const IVxPolygon& polygon) override;
 
@@ -34,10 +35,12 @@ class MeshBuilder : public IVxPolygonVisitor {
 
  private:
   std::uint32_t primitiveFor(const char* tag);
+  PrimitiveBuild& newPrimitive();
   void addCorner(const IVxPolygon& polygon, std::uint32_t primitive, unsigned point);
 
   const MeshMaps& maps_;
   const bool splitByTag_;
+  const std::size_t indexCount_;
   std::size_t uvBase_ = 0, tangentBase_ = 0, stride_ = 0;
   std::vector<PrimitiveBuild> primitives_;
   std::uint32_t lastPrimitive_ = 0;

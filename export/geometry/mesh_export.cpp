@@ -47,7 +47,7 @@ std::uint32_t MeshExporter::exportMesh(const CVxUser_Item& item) {
 
   const std::uint32_t gltfMesh = document_.addMesh();
   const MeshMaps maps = chooseMeshMaps(mesh, options_.tangentsBitangents != 0, log_);
-  MeshBuilder builder(maps, pointCount, options_.materials != 0);
+  MeshBuilder builder(maps, pointCount, static_cast<std::size_t>(polyInds), options_.materials != 0);
   mesh.visitPolygons(builder);
 
   const std::vector<float> positions = readPositions(mesh);
