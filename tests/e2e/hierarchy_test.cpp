@@ -210,19 +210,26 @@ TEST(Hierarchy, CustomStacksAndDrivenChannels) {
   EXPECT_EQ(std::count(run.errLines.begin(), run.errLines.end(), "info:    driven:0 xformDriven:0"), 2);
 }
 
-TEST(Hierarchy, EveryExportTypeOfTheExampleSceneIsValid) {
-  for (const char* type : {"0", "1", "2"}) {
+TEST(Examples, EveryExportTypeAndFormIsValid) {
+  struct Case {
+    const char* scene;
+    const char* exportType;
+  };
+  const Case cases[] = {{"hierarchy.json", "0"}, {"hierarchy.json", "1"}, {"hierarchy.json", "2"},
+                        {"meshes.json", "0"},    {"meshes.json", "1"}};
+  for (const Case& example : cases) {
     for (const char* form : {"gltf", "glb"}) {
+      SCOPED_TRACE(std::string(example.scene) + " export type " + example.exportType + " " + form);
       TempDir dir;
-      const std::string dest = dir.file(std::string("hierarchy.") + form);
-      const VexoRun run = runVexo({"save", GLTFIO_EXAMPLES_DIR "/hierarchy.json", dest, "--set",
-                                   std::string("sceneio.gltf.save.exportType=") + type});
+      const std::string dest = dir.file(std::string("out.") + form);
+      const VexoRun run = runVexo({"save", std::string(GLTFIO_EXAMPLES_DIR "/") + example.scene, dest, "--set",
+                                   std::string("sceneio.gltf.save.exportType=") + example.exportType});
       EXPECT_EQ(run.exitCode, 0) << run.errText();
-      EXPECT_TRUE(isValidGltf(dest)) << "export type " << type << " " << form;
+      EXPECT_TRUE(isValidGltf(dest));
       ReadGltf gltf;
       std::string problem;
       ASSERT_TRUE(readGltf(dest, gltf, problem)) << problem;
-      EXPECT_FALSE(gltf.nodes.empty()) << "export type " << type;
+      EXPECT_FALSE(gltf.nodes.empty());
     }
   }
 }
