@@ -32,7 +32,8 @@ const char* const kHierarchy = R"({
           "children": [ { "name": "UnderLamp", "type": "locator" } ] },
         { "name": "MorphGroup", "type": "locator",
           "children": [ { "name": "UnderMorphGroup", "type": "locator" } ] },
-        { "name": "Group", "type": "groupLocator" }
+        { "name": "Group", "type": "groupLocator" },
+        { "name": "Morph", "type": "morphDeform" }
       ] },
     { "name": "Top2", "type": "locator", "position": [-1, 0, 0], "rotation": [0, 0, 135], "rotationOrder": "ZYX",
       "scale": [1, 2, 0.5] },
