@@ -1,53 +1,21 @@
-// The JSON text: exact output of an empty document, key order and omission,
-// number formatting.
+// The JSON text: key order and omission, number formatting, records that
+// refer to one another. The empty document is checked end to end.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 
 #include "test_util.h"
-#include "validator.h"
 
 namespace {
 
 const std::string kHead = R"({"asset":{"generator":"Vexov11.2","version":"2.0"},"scene":0,)";
-const std::string kDefaultMaterial =
-    R"("materials":[{"pbrMetallicRoughness":{"metallicFactor":0.5,"roughnessFactor":0.5}}])";
-
-TEST(GltfJson, EmptyDocumentInBothForms) {
-  ScratchDir dir;
-  GltfDocument glb(settingsFor(false, nullptr));
-  const std::string glbJsonText = kHead +
-                                  R"("scenes":[{"nodes":[]}],"nodes":[],"meshes":[],"buffers":[{"byteLength":0}],)"
-                                  R"("bufferViews":[],"accessors":[],)" +
-                                  kDefaultMaterial + "}";
-  EXPECT_EQ(glb.json(dir / "empty.glb"), glbJsonText);
-  ASSERT_TRUE(glb.write(dir / "empty.glb"));
-  EXPECT_EQ(glbJson(readFile(dir / "empty.glb")).substr(0, glbJsonText.size()), glbJsonText);
-  EXPECT_TRUE(isValidGltf(dir / "empty.glb"));
-
-  GltfDocument gltf(settingsFor(true, nullptr));
-  const std::string gltfJsonText =
-      kHead +
-      R"("scenes":[{"nodes":[]}],"nodes":[],"meshes":[],"buffers":[{"byteLength":0,"uri":"empty.bin"}],)"
-      R"("bufferViews":[],"accessors":[],)" +
-      kDefaultMaterial + "}";
-  ASSERT_TRUE(gltf.write(dir / "empty.gltf"));
-  EXPECT_EQ(readFile(dir / "empty.gltf"), gltfJsonText);
-  EXPECT_EQ(readFile(dir / "empty.bin"), "");
-  EXPECT_TRUE(isValidGltf(dir / "empty.gltf"));
-}
 
 TEST(GltfJson, NumbersAreSinglePrecisionShownAsDouble) {
   GltfDocument doc(settingsFor(false, nullptr));
-  doc.addCamera("cam", 0.1f, 1.0f);
   const std::uint32_t node = doc.addNode(doc.root(), "n");
   std::vector<double> m = translation(0.1, 1e300, std::numeric_limits<double>::quiet_NaN());
   doc.setNodeMatrix(node, m.data());
   const std::string json = doc.json("x.glb");
-  EXPECT_NE(json.find(R"("cameras":[{"name":"cam","type":"perspective","perspective":{"znear":0.10000000149011612,"yfov":1.0}}])"),
-            std::string::npos)
-      << json;
   // JSON has no NaN or infinity: they must not break the file.
   EXPECT_NE(json.find(R"("matrix":[1.0,0.0,0.0,0.0,0.0,1.0,0.0,0.0,0.0,0.0,1.0,0.0,0.10000000149011612,)"),
             std::string::npos)
@@ -58,31 +26,11 @@ TEST(GltfJson, NumbersAreSinglePrecisionShownAsDouble) {
   EXPECT_EQ(parsed["nodes"][0]["matrix"][14].GetDouble(), 0.0);
 }
 
-TEST(GltfJson, ViewsAndAccessorsLeaveOutZeroAndEmptyKeys) {
-  GltfDocument doc(settingsFor(false, nullptr));
-  doc.addBufferView(0, 8, 0, 0, 0);
-  doc.addBufferView(0, 12, 8, 12, 34962);
-  doc.addAccessor(0, GltfAccessorType::Scalar, GltfDocument::kUnsignedShort, 3, 0, {}, {});
-  doc.addAccessor(1, GltfAccessorType::Vec3, GltfDocument::kFloat, 1, 4, {-1.5f, 0, 0}, {2, 0, 0.25f});
-  EXPECT_EQ(doc.addAccessor(1, static_cast<GltfAccessorType>(7), GltfDocument::kFloat, 1, 0, {}, {}), GltfDocument::kNone);
-  const std::string json = doc.json("x.glb");
-  EXPECT_NE(json.find(R"("bufferViews":[{"buffer":0,"byteLength":8},)"
-                      R"({"buffer":0,"byteLength":12,"byteOffset":8,"byteStride":12,"target":34962}])"),
-            std::string::npos)
-      << json;
-  EXPECT_NE(json.find(R"("accessors":[{"bufferView":0,"type":"SCALAR","componentType":5123,"count":3},)"
-                      R"({"bufferView":1,"byteOffset":4,"type":"VEC3","componentType":5126,"count":1,)"
-                      R"("min":[-1.5,0.0,0.0],"max":[2.0,0.0,0.25]}])"),
-            std::string::npos)
-      << json;
-}
-
 TEST(GltfJson, MaterialsKeepKeyOrderAndListUnlitOnce) {
   GltfDocument doc(settingsFor(false, nullptr));
   GltfMaterialDesc plain;
   plain.name = "plain";
   EXPECT_EQ(doc.addMaterial(plain), 1u);
-  EXPECT_EQ(doc.json("x.glb").find("extensionsUsed"), std::string::npos);
 
   GltfMaterialDesc full;
   full.name = "full";
@@ -105,19 +53,18 @@ TEST(GltfJson, MaterialsKeepKeyOrderAndListUnlitOnce) {
 
   const std::string json = doc.json("x.glb");
   EXPECT_EQ(json.find(kHead + R"("extensionsUsed":["KHR_materials_unlit"],"scenes":)"), 0u) << json;
-  EXPECT_NE(json.find(R"({"name":"full","emissiveFactor":[0.0,0.0,0.0],"alphaMode":"BLEND","doubleSided":true,)"
+  EXPECT_NE(json.find(R"("materials":[{"pbrMetallicRoughness":{"metallicFactor":0.5,"roughnessFactor":0.5}},)"
+                      R"({"name":"plain","emissiveFactor":[0.0,0.0,0.0],"alphaMode":"OPAQUE","doubleSided":false,)"
+                      R"("pbrMetallicRoughness":{"baseColorFactor":[1.0,1.0,1.0,1.0],"metallicFactor":1.0,)"
+                      R"("roughnessFactor":1.0},"extensions":{"KHR_materials_unlit":{}}},)"
+                      R"({"name":"full","emissiveFactor":[0.0,0.0,0.0],"alphaMode":"BLEND","doubleSided":true,)"
                       R"("normalTexture":{"index":0,"texCoord":1,"scale":0.5},)"
                       R"("occlusionTexture":{"index":1,"texCoord":0,"strength":0.25},)"
                       R"("emissiveTexture":{"index":2,"texCoord":0},)"
                       R"("pbrMetallicRoughness":{"baseColorFactor":[1.0,1.0,1.0,0.75],"metallicFactor":1.0,)"
                       R"("roughnessFactor":1.0,"baseColorTexture":{"index":3,"texCoord":0},)"
                       R"("metallicRoughnessTexture":{"index":4,"texCoord":1}},)"
-                      R"("extensions":{"KHR_materials_unlit":{}}})"),
-            std::string::npos)
-      << json;
-  EXPECT_NE(json.find(R"({"name":"plain","emissiveFactor":[0.0,0.0,0.0],"alphaMode":"OPAQUE","doubleSided":false,)"
-                      R"("pbrMetallicRoughness":{"baseColorFactor":[1.0,1.0,1.0,1.0],"metallicFactor":1.0,)"
-                      R"("roughnessFactor":1.0},"extensions":{"KHR_materials_unlit":{}}})"),
+                      R"("extensions":{"KHR_materials_unlit":{}}}])"),
             std::string::npos)
       << json;
 }

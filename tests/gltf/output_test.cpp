@@ -2,9 +2,8 @@
 // destination cannot be written.
 #include <gtest/gtest.h>
 
-#include <sys/stat.h>
-
 #include <filesystem>
+#include <set>
 
 #include "gltf/paths.h"
 #include "test_util.h"
@@ -32,38 +31,27 @@ TEST(GltfOutput, StemIsCutAtTheLastDotOfTheWholePath) {
 
 TEST(GltfOutput, GlbChunksArePaddedAndTheLengthIsTheFileSize) {
   ScratchDir dir;
-  for (std::size_t remainder = 0; remainder < 4; ++remainder) {
-    // Grow a name until the JSON text has the length wanted modulo 4.
-    const auto build = [](GltfDocument& doc, const std::string& name) {
-      doc.addNode(doc.root(), name.c_str());
-      doc.addIndexAccessor({0, 1, 2});
-    };
-    GltfDocument probe(settingsFor(false, nullptr));
-    build(probe, "");
-    std::string name;
-    while ((probe.json("x.glb").size() + name.size()) % 4 != remainder) name += 'n';
-
+  std::set<std::size_t> remainders;
+  // Each longer name lengthens the JSON by one byte: four names meet every remainder modulo 4.
+  for (const std::string name : {"", "n", "nn", "nnn"}) {
     GltfDocument doc(settingsFor(false, nullptr));
-    build(doc, name);
+    doc.addNode(doc.root(), name.c_str());
+    doc.addIndexAccessor({0, 1, 2});
     const std::string json = doc.json("x.glb");
-    ASSERT_EQ(json.size() % 4, remainder);
-    const std::string path = dir / ("padded" + std::to_string(remainder) + ".glb");
+    remainders.insert(json.size() % 4);
+    const std::string path = dir / ("padded" + name + ".glb");
     ASSERT_TRUE(doc.write(path));
 
     const std::string glb = readFile(path);
-    const std::size_t padding = (4 - remainder) % 4;
-    EXPECT_EQ(glb.substr(0, 4), "glTF");
-    EXPECT_EQ(le32(glb, 4), 2u);
-    EXPECT_EQ(le32(glb, 8), glb.size());
-    EXPECT_EQ(le32(glb, 12), json.size() + padding);
-    EXPECT_EQ(le32(glb, 16), 0x4E4F534Au);
+    const std::size_t padding = (4 - json.size() % 4) % 4;
     EXPECT_EQ(glbJson(glb), json + std::string(padding, ' '));
-    const std::size_t bin = 20 + json.size() + padding;
-    EXPECT_EQ(le32(glb, bin), 8u);
-    EXPECT_EQ(le32(glb, bin + 4), 0x004E4942u);
-    EXPECT_EQ(glb.size(), bin + 8 + 8);
+    EXPECT_EQ(le32(glb, 20 + json.size() + padding + 4), 0x004E4942u);  // "BIN\0" right after the padding
+    EXPECT_EQ(glbBin(glb), std::string("\0\0\1\0\2\0\0\0", 8));
+    EXPECT_EQ(le32(glb, 8), glb.size());
+    EXPECT_EQ(glb.size(), 20 + json.size() + padding + 8 + 8);
     EXPECT_TRUE(isValidGltf(path));
   }
+  EXPECT_EQ(remainders.size(), 4u);
 }
 
 TEST(GltfOutput, ImagesAreCopiedBesideTheGltfOrEmbeddedInTheGlb) {
@@ -84,17 +72,15 @@ TEST(GltfOutput, ImagesAreCopiedBesideTheGltfOrEmbeddedInTheGlb) {
     const std::string written = readFile(destination);
 
     if (separate) {
-      const auto json = parseJson(written);
-      EXPECT_STREQ(json["images"][0]["uri"].GetString(), "my%20tex.png");
+      EXPECT_STREQ(parseJson(written)["images"][0]["uri"].GetString(), "my%20tex.png");
       EXPECT_EQ(readFile(dir / "out/my tex.png"), tinyPng());
       EXPECT_EQ(readFile(dir / "out/scene.bin"), "");
     } else {
+      // The view covers the file; the block and the buffer are padded to 4.
       const auto json = parseJson(glbJson(written));
-      const auto& view = json["bufferViews"][json["images"][0]["bufferView"].GetUint()];
-      EXPECT_EQ(view["byteLength"].GetUint(), tinyPng().size());
-      EXPECT_EQ(json["buffers"][0]["byteLength"].GetUint(), 72u);  // padded to 4
-      const std::size_t bin = 20 + le32(written, 12) + 8;
-      EXPECT_EQ(written.substr(bin, 72), tinyPng() + std::string(2, '\0'));
+      EXPECT_EQ(json["bufferViews"][json["images"][0]["bufferView"].GetUint()]["byteLength"].GetUint(), 70u);
+      EXPECT_EQ(json["buffers"][0]["byteLength"].GetUint(), 72u);
+      EXPECT_EQ(glbBin(written), tinyPng() + std::string(2, '\0'));
     }
     EXPECT_TRUE(isValidGltf(destination));
   }
@@ -111,28 +97,19 @@ TEST(GltfOutput, MissingImageIsReportedOnceAndLeftOut) {
   EXPECT_EQ(log.lines, (std::vector<std::string>{"warning: Image file path: " + (dir / "gone.png") + " doesn't exist!",
                                                  "warning: Image file path: " + (dir / "folder.png") +
                                                      " doesn't exist!"}));
-  EXPECT_EQ(doc.imageCount(), 0u);
   ASSERT_TRUE(doc.write(dir / "x.glb"));
   EXPECT_TRUE(isValidGltf(dir / "x.glb"));
 }
 
-TEST(GltfOutput, UnwritableDestinationsFailWithTheReasonAndLeaveNoTrace) {
+TEST(GltfOutput, FolderInTheWayFailsWithTheReasonAndLeavesNoTrace) {
   ScratchDir dir;
-  writeFile(dir / "file", "x");
   std::filesystem::create_directory(dir / "taken.glb");
-  const std::pair<std::string, std::string> cases[] = {
-      {dir / "missing/out.glb", "No such file or directory"},
-      {dir / "file/out.glb", "Not a directory"},
-      {dir / "taken.glb", "Is a directory"},
-  };
-  for (const auto& [path, reason] : cases) {
-    RecordingReporter log;
-    GltfDocument doc(settingsFor(false, &log));
-    doc.addIndexAccessor({0, 1, 2});
-    EXPECT_FALSE(doc.write(path));
-    EXPECT_EQ(log.lines, std::vector<std::string>{"error: Cannot write " + path + ": " + reason});
-  }
-  EXPECT_EQ(dir.list(), (std::vector<std::string>{"file", "taken.glb"}));
+  RecordingReporter log;
+  GltfDocument doc(settingsFor(false, &log));
+  doc.addIndexAccessor({0, 1, 2});
+  EXPECT_FALSE(doc.write(dir / "taken.glb"));
+  EXPECT_EQ(log.lines, std::vector<std::string>{"error: Cannot write " + (dir / "taken.glb") + ": Is a directory"});
+  EXPECT_EQ(dir.list(), std::vector<std::string>{"taken.glb"});
 }
 
 TEST(GltfOutput, FailedWriteKeepsTheFilesThatWereThere) {
@@ -149,21 +126,18 @@ TEST(GltfOutput, FailedWriteKeepsTheFilesThatWereThere) {
   bad.addImage(dir / "tex.png", 1);
   std::filesystem::remove(dir / "tex.png");
   EXPECT_FALSE(bad.write(dir / "scene.glb"));
-  ASSERT_EQ(log.lines.size(), 1u);
-  EXPECT_EQ(log.lines[0].rfind("error: Cannot read " + (dir / "tex.png") + ": No such file or directory", 0), 0u);
+  EXPECT_EQ(log.lines, std::vector<std::string>{"error: Cannot read " + (dir / "tex.png") + ": No such file or directory"});
   EXPECT_EQ(readFile(dir / "scene.glb"), before);
 
   // ".gltf": the image's copy cannot be placed, so neither file is replaced.
   GltfDocument first(settingsFor(true, nullptr));
   ASSERT_TRUE(first.write(dir / "pair.gltf"));
   const std::string gltfBefore = readFile(dir / "pair.gltf");
-  writeFile(dir / "src.png", tinyPng());
   std::filesystem::create_directory(dir / "sub");
   writeFile(dir / "sub/src.png", tinyPng());
   GltfDocument second(settingsFor(true, &log));
   second.addNode(second.root(), "new");
   second.addImage(dir / "sub/src.png", 1);
-  std::filesystem::remove(dir / "src.png");
   std::filesystem::create_directory(dir / "src.png");  // in the way of the copy
   EXPECT_FALSE(second.write(dir / "pair.gltf"));
   EXPECT_EQ(log.lines.back(), "error: Cannot write " + (dir / "src.png") + ": Is a directory");

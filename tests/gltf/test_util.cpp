@@ -3,9 +3,10 @@
 #include <stdlib.h>
 
 #include <algorithm>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 #include <stdexcept>
 
 ScratchDir::ScratchDir() {
@@ -32,9 +33,7 @@ GltfSettings settingsFor(bool separateFiles, GltfReporter* log, bool indices32, 
 
 std::string readFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
-  std::stringstream bytes;
-  bytes << in.rdbuf();
-  return bytes.str();
+  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
 void writeFile(const std::string& path, const std::string& bytes) {
@@ -47,6 +46,13 @@ std::uint32_t le32(const std::string& bytes, std::size_t offset) {
   return value;
 }
 
+float floatAt(const std::string& bytes, std::size_t offset) {
+  const std::uint32_t bits = le32(bytes, offset);
+  float value;
+  std::memcpy(&value, &bits, 4);
+  return value;
+}
+
 rapidjson::Document parseJson(const std::string& text) {
   rapidjson::Document json;
   json.Parse<rapidjson::kParseFullPrecisionFlag>(text.c_str(), text.size());
@@ -54,6 +60,11 @@ rapidjson::Document parseJson(const std::string& text) {
 }
 
 std::string glbJson(const std::string& glb) { return glb.substr(20, le32(glb, 12)); }
+
+std::string glbBin(const std::string& glb) {
+  const std::size_t bin = 20 + le32(glb, 12);
+  return glb.substr(bin + 8, le32(glb, bin));
+}
 
 std::string tinyPng() {
   static const unsigned char kPng[] = {

@@ -1,5 +1,5 @@
 // What the glTF library tests share: a recording reporter, scratch folders,
-// file access and a small valid PNG.
+// file access, ".glb" chunk access and a small valid PNG.
 #pragma once
 
 #include <cstdint>
@@ -23,7 +23,6 @@ class ScratchDir {
  public:
   ScratchDir();
   ~ScratchDir();
-  const std::string& path() const { return path_; }
   std::string operator/(const std::string& name) const { return path_ + "/" + name; }
   // Names in the folder, sorted; shows leftover temporary files.
   std::vector<std::string> list() const;
@@ -36,9 +35,11 @@ GltfSettings settingsFor(bool separateFiles, GltfReporter* log, bool indices32 =
 std::string readFile(const std::string& path);
 void writeFile(const std::string& path, const std::string& bytes);
 std::uint32_t le32(const std::string& bytes, std::size_t offset);
+float floatAt(const std::string& bytes, std::size_t offset);
 rapidjson::Document parseJson(const std::string& text);
-// The JSON chunk of a ".glb" file, padding included.
+// The JSON chunk of a ".glb" file, padding included, and the BIN chunk's data.
 std::string glbJson(const std::string& glb);
+std::string glbBin(const std::string& glb);
 // A 1x1 RGBA PNG, 70 bytes.
 std::string tinyPng();
 // The identity with a translation, row-major with the translation in 12..14.

@@ -3,72 +3,86 @@
 // serves integer user values from a map.
 #pragma once
 
+#include <cstdlib>
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "vexo/vx_module.h"
-#include "vexo/vx_scene.h"
 #include "vexo/vx_services.h"
 
-struct FakeLogLine {
-  std::string level;  // "info", "trace", "warning", "error"
-  std::string text;
-};
-
-class FakeHost : public IVxHost,
-                 IVxUserValues,
-                 IVxLogService,
-                 IVxLogSubsystem,
-                 IVxMessageService,
-                 IVxSceneService {
+class FakeHost : public IVxHost, IVxUserValues, IVxLogService, IVxLogSubsystem, IVxMessageService {
  public:
   std::map<std::string, std::string> userValues;
   std::vector<std::string> userValueReads;  // keys in the order they were read
-  std::vector<FakeLogLine> log;
-  std::vector<std::string> messages;  // "table/entry: text"
+  std::vector<std::string> log;             // "LEVEL: TEXT", LEVEL one of info, trace, warning, error
+  std::vector<std::string> messages;        // "table/entry: text"
   std::vector<IVxFactory*> servers;
   bool refuseEntries = false;  // CreateEntry fails, as when the log is full
 
   // IVxHost
-  VxResult RegisterServer(IVxFactory* factory) override;
+  VxResult RegisterServer(IVxFactory* factory) override {
+    servers.push_back(factory);
+    return VXR_OK;
+  }
   IVxUserValues* UserValues() override { return this; }
   IVxLogService* LogService() override { return this; }
   IVxMessageService* MessageService() override { return this; }
-  IVxSceneService* SceneService() override { return this; }
+  IVxSceneService* SceneService() override { return nullptr; }  // no scene, no types
 
   // IVxUserValues
-  VxResult GetInt(const char* key, std::int32_t* value) override;
+  VxResult GetInt(const char* key, std::int32_t* value) override {
+    userValueReads.push_back(key);
+    const auto found = userValues.find(key);
+    if (found == userValues.end()) return VXR_NOTFOUND;
+    *value = std::atoi(found->second.c_str());
+    return VXR_OK;
+  }
   VxResult GetFloat(const char*, double*) override { return VXR_NOTFOUND; }
   VxResult GetString(const char*, const char**) override { return VXR_NOTFOUND; }
 
   // IVxLogService
-  VxResult SubsystemLookup(const char* name, IVxLogSubsystem** subsystem) override;
-  VxResult CreateEntry(VxResult code, const char* text, IVxLogEntry** entry) override;
+  VxResult SubsystemLookup(const char* name, IVxLogSubsystem** subsystem) override {
+    if (std::string(name) != "io-status") return VXR_NOTFOUND;
+    *subsystem = this;
+    return VXR_OK;
+  }
+  VxResult CreateEntry(VxResult code, const char* text, IVxLogEntry** entry) override {
+    if (refuseEntries) return VXR_FAILED;
+    entries_.push_back(std::make_unique<Entry>(code, text));
+    *entry = entries_.back().get();
+    return VXR_OK;
+  }
 
   // IVxLogSubsystem
   const char* Name() const override { return "io-status"; }
-  VxResult AddEntry(IVxLogEntry* entry) override;
-  VxResult PrintLine(const char* text, int output) override;
-  VxResult ResetCurrent() override { ++resets; return VXR_OK; }
-  int resets = 0;
+  VxResult AddEntry(IVxLogEntry* entry) override {
+    const VxResult code = entry->Code();
+    log.push_back(std::string(VxFailed(code) ? "error: " : code == VXR_WARNING ? "warning: " : "info: ") +
+                  entry->Text());
+    return VXR_OK;
+  }
+  VxResult PrintLine(const char* text, int output) override {
+    log.push_back(std::string(output == 1 ? "trace: " : "info: ") + text);
+    return VXR_OK;
+  }
+  VxResult ResetCurrent() override { return VXR_OK; }
 
   // IVxMessageService
-  VxResult Raise(VxResult code, const char* table, std::uint32_t entry, unsigned argCount,
-                 const char* const* args) override;
-
-  // IVxSceneService: no types.
-  VxResult LookupType(const char*, VxTypeCode*) override { return VXR_NOTFOUND; }
-  VxResult TypeName(VxTypeCode, const char**) override { return VXR_NOTFOUND; }
-  VxResult TestType(VxTypeCode, VxTypeCode) override { return VXR_FALSE; }
+  VxResult Raise(VxResult, const char* table, std::uint32_t entry, unsigned argCount,
+                 const char* const* args) override {
+    messages.push_back(std::string(table) + "/" + std::to_string(entry) + ": " + (argCount ? args[0] : ""));
+    return VXR_OK;
+  }
 
  private:
   struct Entry : IVxLogEntry {
-    VxResult code;
-    std::string text;
+    Entry(VxResult c, const char* t) : code(c), text(t) {}
     VxResult Code() const override { return code; }
     const char* Text() const override { return text.c_str(); }
+    VxResult code;
+    std::string text;
   };
   std::vector<std::unique_ptr<Entry>> entries_;
 };
