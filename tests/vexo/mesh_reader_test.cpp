@@ -1,16 +1,12 @@
-// Meshes in scene files: what the reader builds, as the SDK shows it, and
-// where it places its messages.
+// Meshes in scene files and mesh items: what the reader builds, as the SDK
+// shows it, and where it places its messages.
 #include <gtest/gtest.h>
 
-#include <array>
 #include <string>
 #include <vector>
 
-#include "engine/scene.h"
 #include "mesh/mesh_data.h"
-#include "scenefile/json_tree.h"
-#include "scenefile/scene_file.h"
-#include "sdk_impl/sdk_scene.h"
+#include "scene_fixture.h"
 #include "vexo/vx_mesh.h"
 
 namespace vexo {
@@ -52,139 +48,69 @@ const char* const kExample = R"({
             "corners": [ { "value": [1, 0, 0, 1], "point": 4, "polygon": 1 } ] },
         ] } },
     { "name": "Twice", "type": "meshInst", "source": "Copy" },
-    { "name": "Plane", "type": "triSurf", "mesh": { "points": [[0,0,0], [1,0,0], [0,1,0]], "polygons": [[0,1,2]] } }
+    { "name": "Surface", "type": "triSurf" }, { "name": "Lonely", "type": "meshInst" }, { "name": "Null", "type": "locator" }
   ]
 })";
 
-// What the walk reports at one corner of one polygon.
-struct CornerSeen {
-  unsigned polygon, point;
-  std::string tag;
-  VxResult uvFound, paintFound;
-  std::array<float, 2> uv{};
-  std::array<float, 4> paint{};
-};
+IVxMesh* meshOf(SceneFixture& f, const char* ref) {
+  IVxMesh* mesh = nullptr;
+  return f.sdk.MeshService()->MeshLookup(f.item(ref), &mesh) == VXR_OK ? mesh : nullptr;
+}
 
-class CornerRecorder final : public IVxPolygonVisitor {
- public:
-  CornerRecorder(VxMapID uv, VxMapID paint) : uv_(uv), paint_(paint) {}
-  VxResult Polygon(const IVxPolygon& polygon) override {
-    for (unsigned v = 0; v < polygon.VertexCount(); ++v) {
-      CornerSeen corner{polygon.Index(), polygon.PointByIndex(v), polygon.Tag(VX_PTAG_MATERIAL), 0, 0};
-      corner.uvFound = polygon.MapEvaluate(uv_, corner.point, corner.uv.data());
-      corner.paintFound = polygon.MapEvaluate(paint_, corner.point, corner.paint.data());
-      corners.push_back(corner);
-    }
-    return VXR_OK;
-  }
-  std::vector<CornerSeen> corners;
+// A stored map value as a list; empty when there is none.
+std::vector<float> valueOf(const VertexMap& map, const float* value) {
+  return value ? std::vector<float>(value, value + map.dimension()) : std::vector<float>{};
+}
 
- private:
-  VxMapID uv_, paint_;
-};
-
-class MeshSceneFile : public ::testing::Test {
- protected:
-  void read(const std::string& text) {
-    std::string error;
-    ASSERT_TRUE(readSceneText(text, "scene.json", scene_, error)) << error;
-  }
-  IVxMesh* meshOf(const char* ref) {
-    IVxMesh* mesh = nullptr;
-    Item* item = findItemByRef(scene_, ref, nullptr);
-    EXPECT_NE(item, nullptr) << ref;
-    EXPECT_EQ(sdk_.MeshService()->MeshLookup(sdk_.wrap(item), &mesh), VXR_OK) << ref;
-    return mesh;
-  }
-
-  Scene scene_;
-  SdkScene sdk_{scene_};
-};
-
-TEST_F(MeshSceneFile, PointsPolygonsTagsAndMapValuesReachTheSdk) {
-  read(kExample);
-  IVxMesh* box = meshOf("box01");
+TEST(MeshSceneFile, MeshItemsAndInstancesAsTheMeshServiceGivesThem) {
+  SceneFixture f(kExample);
+  IVxMesh* box = meshOf(f, "box01");
   ASSERT_NE(box, nullptr);
   EXPECT_STREQ(box->Ident(), "box01");
-  EXPECT_EQ(box->PointCount(), 5u);
-  EXPECT_EQ(box->PolygonCount(), 2u);
-  double position[3];
-  ASSERT_EQ(box->PointPosition(4, position), VXR_OK);
-  EXPECT_EQ(position[0], 2.0);
-  unsigned triangles = 0;
-  ASSERT_EQ(box->PolygonTriangleCount(0, &triangles), VXR_OK);
-  EXPECT_EQ(triangles, 2u);
-  EXPECT_EQ(scene_.meshes().ownMesh(*scene_.findIdent("box01"))->smoothingAngle(), 30.0);
+  // Instances share their source's mesh, even through another instance.
+  EXPECT_EQ(meshOf(f, "Copy"), box);
+  EXPECT_EQ(meshOf(f, "Twice"), box);
+  IVxMesh* surface = meshOf(f, "Surface");
+  ASSERT_NE(surface, nullptr);
+  EXPECT_STREQ(surface->Ident(), "Surface");
+  EXPECT_EQ(surface->PointCount(), 0u);  // a mesh item without "mesh" is empty
+  for (const char* none : {"Lonely", "Null", "Scene"}) EXPECT_EQ(meshOf(f, none), nullptr) << none;
+  EXPECT_EQ(f.sdk.MeshService()->MeshLookup(f.item("Box"), nullptr), VXR_BADARG);
 
-  VxMapID uv = VX_MAP_NONE, paint = VX_MAP_NONE, weight = VX_MAP_NONE;
-  ASSERT_EQ(box->MapLookup(VX_VMAP_TEXTUREUV, "uv0", &uv), VXR_OK);
-  ASSERT_EQ(box->MapLookup(VX_VMAP_RGBA, "paint", &paint), VXR_OK);
-  ASSERT_EQ(box->MapLookup(VX_VMAP_WEIGHT, "weight", &weight), VXR_OK);
-  EXPECT_EQ(box->MapValueCount(uv), 5u);  // four points and one corner
-  EXPECT_EQ(box->MapDimension(paint), 4u);
-
-  // A lone number stands for a one-value weight; null leaves the point without one.
-  float w = 0;
-  ASSERT_EQ(box->MapPointValue(weight, 0, &w), VXR_OK);
-  EXPECT_EQ(w, 0.25f);
-  ASSERT_EQ(box->MapPointValue(weight, 1, &w), VXR_OK);
-  EXPECT_EQ(w, 0.5f);
-  EXPECT_EQ(box->MapPointValue(weight, 2, &w), VXR_NOTFOUND);
-
-  CornerRecorder recorder(uv, paint);
-  ASSERT_EQ(box->VisitPolygons(&recorder), VXR_OK);
-  const std::vector<CornerSeen>& seen = recorder.corners;
-  ASSERT_EQ(seen.size(), 7u);
-  for (std::size_t i = 0; i < 4; ++i) EXPECT_EQ(seen[i].tag, "Red");
-  for (std::size_t i = 4; i < 7; ++i) EXPECT_EQ(seen[i].tag, "Blue");
-  // Polygon 0 is (0 1 2 3): its own value at point 2 wins over the point's.
-  EXPECT_EQ(seen[1].uv, (std::array<float, 2>{1, 0}));
-  EXPECT_EQ(seen[2].point, 2u);
-  EXPECT_EQ(seen[2].uv, (std::array<float, 2>{0.5f, 0.5f}));
-  EXPECT_EQ(seen[2].paintFound, VXR_NOTFOUND);
-  // Polygon 1 is (1 4 2): point 2 has the point's value there, point 4 no uv but its own paint.
-  EXPECT_EQ(seen[6].point, 2u);
-  EXPECT_EQ(seen[6].uv, (std::array<float, 2>{1, 1}));
-  EXPECT_EQ(seen[5].point, 4u);
-  EXPECT_EQ(seen[5].uvFound, VXR_NOTFOUND);
-  ASSERT_EQ(seen[5].paintFound, VXR_OK);
-  EXPECT_EQ(seen[5].paint, (std::array<float, 4>{1, 0, 0, 1}));
-  EXPECT_EQ(seen[4].paintFound, VXR_NOTFOUND);
-
-  IVxMesh* plane = meshOf("Plane");
-  ASSERT_NE(plane, nullptr);
-  EXPECT_STREQ(plane->Ident(), "Plane");
-  EXPECT_EQ(plane->PolygonCount(), 1u);
-  EXPECT_EQ(scene_.meshes().ownMesh(*scene_.findIdent("Plane"))->polygonTag(0, VX_PTAG_MATERIAL), "Default");
+  // An instance given a source later finds its mesh, and a new source takes over.
+  Item& lonely = *f.scene.findIdent("Lonely");
+  ASSERT_TRUE(f.scene.meshes().setSource(lonely, *f.scene.findIdent("box01"), nullptr));
+  EXPECT_EQ(meshOf(f, "Lonely"), box);
+  ASSERT_TRUE(f.scene.meshes().setSource(lonely, *f.scene.findIdent("Surface"), nullptr));
+  EXPECT_EQ(meshOf(f, "Lonely"), surface);
 }
 
-TEST_F(MeshSceneFile, InstancesShareTheirSourcesMeshEvenThroughAnotherInstance) {
-  read(kExample);
-  IVxMesh* box = meshOf("Box");
-  EXPECT_EQ(meshOf("Copy"), box);
-  EXPECT_EQ(meshOf("Twice"), box);
-  EXPECT_STREQ(meshOf("Twice")->Ident(), "box01");
-  EXPECT_EQ(scene_.meshes().source(*scene_.findIdent("Twice")), scene_.findIdent("box01"));
-}
+TEST(MeshSceneFile, PointsPolygonsTagsAndMapValues) {
+  SceneFixture f(kExample);
 
-TEST_F(MeshSceneFile, AMeshItemWithoutMeshIsEmptyAndAnInstanceWithoutSourceHasNone) {
-  read(R"({"items": [{"name": "A", "type": "mesh"}, {"name": "B", "type": "meshInst"}]})");
-  EXPECT_EQ(meshOf("A")->PointCount(), 0u);
-  IVxMesh* mesh = nullptr;
-  EXPECT_EQ(sdk_.MeshService()->MeshLookup(sdk_.wrap(scene_.findIdent("B")), &mesh), VXR_NOTFOUND);
-}
+  const MeshData& data = *f.scene.meshes().ownMesh(*f.scene.findIdent("box01"));
+  ASSERT_EQ(data.pointCount(), 5u);
+  EXPECT_EQ(data.point(4).x, 2.0);
+  ASSERT_EQ(data.polygonCount(), 2u);
+  EXPECT_EQ(std::vector<std::uint32_t>(data.polygonPoints(1), data.polygonPoints(1) + 3),
+            (std::vector<std::uint32_t>{1, 4, 2}));
+  EXPECT_EQ(data.polygonTag(0, VX_PTAG_MATERIAL), "Red");
+  EXPECT_EQ(data.polygonTag(1, VX_PTAG_MATERIAL), "Blue");
+  EXPECT_EQ(data.smoothingAngle(), 30.0);
 
-TEST_F(MeshSceneFile, TheShippedMeshExampleReads) {
-  std::string error;
-  ASSERT_TRUE(readSceneFile(EXAMPLES_DIR "/meshes.json", scene_, error)) << error;
-  IVxMesh* box = meshOf("Box");
-  ASSERT_NE(box, nullptr);
-  EXPECT_EQ(box->PolygonCount(), 6u);
-  VxMapID uv = VX_MAP_NONE;
-  ASSERT_EQ(box->MapLookup(VX_VMAP_TEXTUREUV, "uv0", &uv), VXR_OK);
-  EXPECT_EQ(box->MapValueCount(uv), 24u);  // a value at every corner of every face
-  EXPECT_EQ(meshOf("Copy"), box);
-  EXPECT_EQ(meshOf("Ground")->PolygonCount(), 4u);
+  const VertexMap& uv = data.map(data.findMap(VX_VMAP_TEXTUREUV, "uv0"));
+  EXPECT_EQ(valueOf(uv, uv.pointValue(1)), (std::vector<float>{1, 0}));
+  EXPECT_EQ(valueOf(uv, uv.pointValue(4)), std::vector<float>{});  // null: no value
+  EXPECT_EQ(valueOf(uv, uv.cornerValue(data.corner(0, 2))), (std::vector<float>{0.5f, 0.5f}));
+  EXPECT_EQ(uv.cornerValueCount(), 1u);
+  // A lone number stands for a one-value weight.
+  const VertexMap& weight = data.map(data.findMap(VX_VMAP_WEIGHT, "weight"));
+  EXPECT_EQ(valueOf(weight, weight.pointValue(0)), std::vector<float>{0.25f});
+  EXPECT_EQ(valueOf(weight, weight.pointValue(1)), std::vector<float>{0.5f});
+  EXPECT_EQ(weight.pointValueCount(), 3u);
+  const VertexMap& paint = data.map(data.findMap(VX_VMAP_RGBA, "paint"));
+  EXPECT_EQ(valueOf(paint, paint.cornerValue(data.corner(1, 4))), (std::vector<float>{1, 0, 0, 1}));
+  EXPECT_EQ(paint.pointValueCount() + paint.cornerValueCount(), 1u);
 }
 
 struct MeshErrorCase {
@@ -223,7 +149,6 @@ TEST(MeshSceneFileErrors, NameTheLineAndColumnOfTheOffendingValue) {
        "3,", "vertex map \"uv\": polygon 3 does not exist: the mesh has 1 polygons"},
       {meshItem("{" + tri + ", \"maps\": [{\"type\": \"RGBA\", \"name\": \"c\",\n   \"corners\": [{\"polygon\": 0, \"value\": [0,0,0,1]}]}]}"),
        "{\"polygon\"", "corner value has no \"point\""},
-      {meshItem("{" + tri + ", \"maps\": [{\"name\": \"uv\"}]}"), "{\"name\"", "vertex map has no \"type\"", 1},
       {meshItem("{" + tri + ",\n  \"materials\": [\"A\", \"B\"]}"), "[\"A\"",
        "\"materials\" has 2 tags for 1 polygons; give one per polygon"},
       // Columns count characters: "é" is one.
@@ -251,6 +176,12 @@ TEST(MeshSceneFileErrors, NameTheLineAndColumnOfTheOffendingValue) {
        "\"B\"", "the sources of \"A\" go round in a loop"},
       {"{\"items\": [{\"name\": \"A\", \"type\": \"meshInst\"}, {\"name\": \"B\", \"type\": \"meshInst\", \"source\": \"A\"}]}",
        "\"A\"", "the source \"A\" is an instance without a \"source\"", 1},
+      // Meshes nested in children are read too; values after a mesh keep their places.
+      {"{\"items\": [{\"name\": \"G\", \"type\": \"groupLocator\", \"children\": [\n  {\"name\": \"M\", \"type\": \"mesh\", "
+       "\"mesh\": {\"points\": [[0,0,0]], \"polygons\": [[0,0,9]]}}]}]}",
+       "9]", "point 9 does not exist: the mesh has 1 points"},
+      {"{\"items\": [{\"name\": \"M\", \"type\": \"mesh\", \"mesh\": {\"points\": [[0,0,0],\n [1,0,0]]}}],\n \"selection\": [\"M\", \"N\"]}",
+       "\"N\"", "cannot select: no item \"N\""},
   };
   for (const MeshErrorCase& c : cases) {
     Scene scene;
@@ -258,47 +189,6 @@ TEST(MeshSceneFileErrors, NameTheLineAndColumnOfTheOffendingValue) {
     EXPECT_FALSE(readSceneText(c.text, "scene.json", scene, error)) << c.text;
     EXPECT_EQ(error, "scene.json:" + positionOf(c.text, c.needle, c.skip) + ": " + c.message) << c.text;
   }
-}
-
-TEST(MeshSceneFileErrors, MeshesNestedInChildrenAreReadToo) {
-  const std::string text = "{\"items\": [{\"name\": \"G\", \"type\": \"groupLocator\", \"children\": [\n"
-                           "  {\"name\": \"M\", \"type\": \"mesh\", \"mesh\": {\"points\": [[0,0,0]], \"polygons\": [[0,0,9]]}}]}]}";
-  Scene scene;
-  std::string error;
-  EXPECT_FALSE(readSceneText(text, "scene.json", scene, error));
-  EXPECT_EQ(error, "scene.json:" + positionOf(text, "9]") + ": point 9 does not exist: the mesh has 1 points");
-}
-
-TEST(JsonTree, RawValuesStayTextAndValuesAreFoundByPath) {
-  const std::string text = "{\"a\": 1,\n \"big\": [1, [2, 3], {\"k\": 4}],\n \"b\": \"x\", \"c\": {\"big\": 5}}";
-  JsonNode root;
-  JsonError error;
-  auto rawAtTop = [](const std::vector<JsonNode>& open, std::string_view key) { return open.size() == 1 && key == "big"; };
-  ASSERT_TRUE(parseJson(text, root, error, rawAtTop)) << error.message;
-  ASSERT_EQ(root.members.size(), 4u);
-  const JsonNode& big = root.members[1].value;
-  EXPECT_EQ(big.kind, JsonNode::Kind::Raw);
-  EXPECT_EQ(text.substr(big.rawBegin, big.rawEnd - big.rawBegin), "[1, [2, 3], {\"k\": 4}]");
-  EXPECT_EQ(big.pos.line, 2u);
-  EXPECT_EQ(big.pos.column, 9u);
-  // Values after a raw one keep their places; the rule is asked per key.
-  EXPECT_EQ(root.members[2].value.text, "x");
-  EXPECT_EQ(root.members[2].keyPos.line, 3u);
-  EXPECT_EQ(root.members[2].keyPos.column, 2u);
-  EXPECT_EQ(root.members[3].value.members[0].value.kind, JsonNode::Kind::Integer);
-
-  const std::string raw = text.substr(big.rawBegin, big.rawEnd - big.rawBegin);
-  EXPECT_EQ(findJsonValue(raw, {1, 1}), raw.find('3'));
-  EXPECT_EQ(findJsonValue(raw, {2, 0}), raw.find('4'));
-  EXPECT_EQ(findJsonValue(raw, {2, 0}, true), raw.find("\"k\""));
-  EXPECT_EQ(findJsonValue(raw, {}), 0u);
-  EXPECT_EQ(findJsonValue(raw, {3}), std::string::npos);
-  const std::string commented = "/* c */ [0, // x\n 7]";
-  EXPECT_EQ(findJsonValue(commented, {1}), commented.find('7'));
-
-  const TextPos pos = textPosition("ab\ncé d", 7);  // "é" takes two bytes
-  EXPECT_EQ(pos.line, 2u);
-  EXPECT_EQ(pos.column, 4u);
 }
 
 }  // namespace

@@ -1,11 +1,10 @@
 // A plug-in for the host's tests. Its savers "gltf.bin" and "gltf.gltf"
 // write one plain log line per call telling what the host handed them:
-//   "<server> #<instance> save real=<0|1> dest=<path> selection=<a,b> fps=<edit fps>"
+//   "<server> #<instance> save real=<0|1> dest=<path> selection=<a,b>"
 // and "<server> #<instance> released". The user value "test.result" (an
 // integer) is returned by real saves, "test.verifyResult" by verify passes;
 // "test.noModule" set to 1 makes the entry point return no module, and
 // "test.onlyGlb" set to 1 leaves "gltf.gltf" unregistered.
-#include <cstdio>
 #include <string>
 
 #include "vexo/vx_module.h"
@@ -25,21 +24,11 @@ VxResult userResult(const char* key) {
   return VxOk(gHost->UserValues()->GetInt(key, &value)) ? static_cast<VxResult>(value) : VXR_OK;
 }
 
-std::string describeScene(IVxScene* scene) {
+std::string selectionOf(IVxScene* scene) {
   std::string selection;
   for (unsigned i = 0; i < scene->SelectionCount("item"); ++i)
     selection += std::string(i ? "," : "") + scene->SelectionByIndex("item", i)->Name();
-  double fps = -1.0;
-  IVxItem* sceneItem = scene->SceneItem();
-  unsigned channel = 0;
-  IVxChannelRead* read = nullptr;
-  if (VxOk(sceneItem->ChannelLookup("fps", &channel)) && VxOk(scene->ChannelRead("edit", 0.0, &read))) {
-    read->Double(sceneItem, channel, &fps);
-    read->Release();
-  }
-  char fpsText[32];
-  std::snprintf(fpsText, sizeof fpsText, "%g", fps);
-  return "selection=" + selection + " fps=" + fpsText;
+  return selection;
 }
 
 class RecordingSaver final : public IVxSaver {
@@ -48,8 +37,8 @@ class RecordingSaver final : public IVxSaver {
 
   VxResult Save(IVxSaveTarget* target, const char* destination) override {
     bool real = target->IsRealSave();
-    logLine(prefix_ + " save real=" + (real ? "1" : "0") + " dest=" + destination + " " +
-            describeScene(target->Scene()));
+    logLine(prefix_ + " save real=" + (real ? "1" : "0") + " dest=" + destination + " selection=" +
+            selectionOf(target->Scene()));
     return userResult(real ? "test.result" : "test.verifyResult");
   }
 

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <memory>
 #include <string>
 
@@ -20,6 +19,14 @@ struct ReadReleaser {
   void operator()(IVxChannelRead* read) const { read->Release(); }
 };
 using ReadPtr = std::unique_ptr<IVxChannelRead, ReadReleaser>;
+
+// The message reading a broken scene text gives.
+inline std::string readError(const std::string& text) {
+  Scene scene;
+  std::string error;
+  EXPECT_FALSE(readSceneText(text, "scene.json", scene, error)) << text;
+  return error;
+}
 
 class SceneFixture {
  public:
@@ -44,27 +51,28 @@ class SceneFixture {
     return view;
   }
 
+  unsigned channel(const std::string& ref, const char* name) {
+    unsigned index = 0;
+    IVxItem* it = item(ref);
+    if (!it || VxFailed(it->ChannelLookup(name, &index))) ADD_FAILURE() << ref << " has no channel " << name;
+    return index;
+  }
+
   ReadPtr reader(const char* action = "edit", double time = 0.0) {
     IVxChannelRead* read = nullptr;
     EXPECT_EQ(sdk.ChannelRead(action, time, &read), VXR_OK);
     return ReadPtr(read);
   }
 
-  // The world matrix of a locator in the "edit" action; all zeros when it cannot be had.
+  // Matrices of a locator in the "edit" action; all zeros when they cannot be had.
   Matrix world(const std::string& ref) { return evaluate(ref, &IVxLocator::WorldMatrix); }
   Matrix local(const std::string& ref) { return evaluate(ref, &IVxLocator::LocalMatrix); }
   Matrix parentWorld(const std::string& ref) { return evaluate(ref, &IVxLocator::ParentWorldMatrix); }
 
-  // A channel read as a double in the "edit" action.
-  double number(const std::string& ref, const char* channel) {
-    IVxItem* it = item(ref);
-    unsigned index = 0;
+  // A channel read as a double.
+  double number(const std::string& ref, const char* name, const char* action = "edit") {
     double value = -12345.0;
-    if (!it || VxFailed(it->ChannelLookup(channel, &index))) {
-      ADD_FAILURE() << ref << " has no channel " << channel;
-      return value;
-    }
-    EXPECT_EQ(reader()->Double(it, index, &value), VXR_OK) << ref << "." << channel;
+    EXPECT_EQ(reader(action)->Double(item(ref), channel(ref, name), &value), VXR_OK) << ref << "." << name;
     return value;
   }
 
@@ -75,9 +83,7 @@ class SceneFixture {
   Matrix evaluate(const std::string& ref, VxResult (IVxLocator::*get)(IVxChannelRead*, double*)) {
     Matrix m{};
     IVxLocator* view = locator(ref);
-    if (view) {
-      EXPECT_EQ((view->*get)(reader().get(), m.data()), VXR_OK) << ref;
-    }
+    EXPECT_TRUE(view && (view->*get)(reader().get(), m.data()) == VXR_OK) << ref;
     return m;
   }
 
@@ -88,7 +94,7 @@ inline void expectMatrixNear(const Matrix& actual, const Matrix& expected, const
   for (int i = 0; i < 16; ++i) EXPECT_NEAR(actual[i], expected[i], 1e-12) << what << " element " << i;
 }
 
-inline void expectPointNear(const Vec3& actual, const Vec3& expected, const std::string& what) {
+inline void expectPointNear(const Vector3& actual, const Vector3& expected, const std::string& what) {
   for (int i = 0; i < 3; ++i) EXPECT_NEAR(actual[i], expected[i], 1e-12) << what << " coordinate " << i;
 }
 

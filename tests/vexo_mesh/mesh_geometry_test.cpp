@@ -39,7 +39,7 @@ TEST(MeshGeometry, CubeIsSharpAtFortyDegreesAndRoundFromNinety) {
 
 TEST(MeshGeometry, CylinderSidesAreSmoothAndItsCapsSharp) {
   MeshData mesh;
-  test::addCylinder(mesh, 64, true);
+  test::addCylinder(mesh, 64);
   const MeshGeometry& g = mesh.geometry();
   for (std::uint32_t p = 0; p < mesh.polygonCount(); ++p) {
     for (unsigned k = 0; k < mesh.polygonSize(p); ++k) {

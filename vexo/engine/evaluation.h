@@ -47,7 +47,7 @@ class Evaluation {
   bool compute(const Item& locator, MatrixChannel which, Matrix& out);
   // A transform channel's value by name; `fallback` when the item has no such channel.
   double channelNumber(const Item& item, const char* name, double fallback);
-  Vec3 vector3(const Item& item, const char* x, const char* y, const char* z, double fallback);
+  Vector3 vector3(const Item& item, const char* x, const char* y, const char* z, double fallback);
 
   const Scene& scene_;
   std::string action_;

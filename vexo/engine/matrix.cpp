@@ -28,8 +28,8 @@ double determinant3(const Matrix& m) {
          m[2] * (m[4] * m[9] - m[5] * m[8]);
 }
 
-Vec3 scaleOf(const Matrix& m) {
-  Vec3 s = {rowLength(m, 0), rowLength(m, 1), rowLength(m, 2)};
+Vector3 scaleOf(const Matrix& m) {
+  Vector3 s = {rowLength(m, 0), rowLength(m, 1), rowLength(m, 2)};
   if (determinant3(m) < 0.0) s[0] = -s[0];
   return s;
 }
@@ -59,7 +59,7 @@ Matrix multiply(const Matrix& a, const Matrix& b) {
   return r;
 }
 
-Matrix translationMatrix(const Vec3& t) {
+Matrix translationMatrix(const Vector3& t) {
   Matrix m = identityMatrix();
   m[12] = t[0];
   m[13] = t[1];
@@ -67,7 +67,7 @@ Matrix translationMatrix(const Vec3& t) {
   return m;
 }
 
-Matrix scaleMatrix(const Vec3& s) {
+Matrix scaleMatrix(const Vector3& s) {
   Matrix m = identityMatrix();
   m[0] = s[0];
   m[5] = s[1];
@@ -75,7 +75,7 @@ Matrix scaleMatrix(const Vec3& s) {
   return m;
 }
 
-Matrix rotationMatrix(const Vec3& angles, RotationOrder order) {
+Matrix rotationMatrix(const Vector3& angles, RotationOrder order) {
   // The axes of each order, first applied first.
   static const int kAxes[kRotationOrderCount][3] = {{0, 1, 2}, {0, 2, 1}, {1, 0, 2},
                                                     {1, 2, 0}, {2, 0, 1}, {2, 1, 0}};
@@ -93,8 +93,8 @@ Matrix shearMatrix(double xy, double xz, double yz) {
   return m;
 }
 
-Vec3 transformPoint(const Matrix& m, const Vec3& p) {
-  Vec3 r{};
+Vector3 transformPoint(const Matrix& m, const Vector3& p) {
+  Vector3 r{};
   for (int j = 0; j < 3; ++j) r[j] = p[0] * m[j] + p[1] * m[4 + j] + p[2] * m[8 + j] + m[12 + j];
   return r;
 }
@@ -104,7 +104,7 @@ Matrix translationPart(const Matrix& m) { return translationMatrix({m[12], m[13]
 Matrix scalePart(const Matrix& m) { return scaleMatrix(scaleOf(m)); }
 
 Matrix rotationPart(const Matrix& m) {
-  const Vec3 s = scaleOf(m);
+  const Vector3 s = scaleOf(m);
   Matrix r = identityMatrix();
   for (int row = 0; row < 3; ++row)
     for (int col = 0; col < 3; ++col) r[row * 4 + col] = s[row] != 0.0 ? m[row * 4 + col] / s[row] : (row == col);

@@ -21,19 +21,19 @@ std::optional<RotationOrder> rotationOrderByName(std::string_view name);
 // The order an "order" channel value stands for; values outside 0..5 act as XYZ.
 RotationOrder rotationOrderFromChannel(int value);
 
-using Vec3 = std::array<double, 3>;
+using Vector3 = std::array<double, 3>;
 
 // a * b: for row vectors, the transform of `a` applies first.
 Matrix multiply(const Matrix& a, const Matrix& b);
 
-Matrix translationMatrix(const Vec3& t);
-Matrix scaleMatrix(const Vec3& s);
+Matrix translationMatrix(const Vector3& t);
+Matrix scaleMatrix(const Vector3& s);
 // Angles in radians, right-handed: a positive angle about Z turns X towards Y.
-Matrix rotationMatrix(const Vec3& angles, RotationOrder order);
+Matrix rotationMatrix(const Vector3& angles, RotationOrder order);
 // x += xy * y + xz * z and y += yz * z.
 Matrix shearMatrix(double xy, double xz, double yz);
 
-Vec3 transformPoint(const Matrix& m, const Vec3& p);
+Vector3 transformPoint(const Matrix& m, const Vector3& p);
 
 // The parts of a matrix as a locator's world channels show them: the
 // translation alone; the scale as the lengths of the three axis rows (the
