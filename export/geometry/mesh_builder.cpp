@@ -4,6 +4,7 @@
 
 namespace {
 constexpr std::uint32_t kEnd = 0xffffffffu;
+constexpr unsigned kRememberedSlots = 32;
 }
 
 MeshBuilder::MeshBuilder(const MeshMaps& maps, unsigned pointCount, std::size_t indexCount, bool splitByTag)
@@ -49,19 +50,36 @@ std::uint32_t MeshBuilder::primitiveFor(const char* tag) {
 VxResult MeshBuilder::Polygon(const IVxPolygon& polygon) {
   const char* tag = polygon.Tag(VX_PTAG_MATERIAL);
   const std::uint32_t primitive = primitiveFor(tag ? tag : "Default");
+  std::vector<std::uint32_t>& indices = primitives_[primitive].indices;
+
+  // Large polygons skip the per-slot memory: its linear search would cost more than it saves.
+  const unsigned vertexCount = polygon.VertexCount();
+  const unsigned slots = vertexCount <= kRememberedSlots ? vertexCount : 0;
+  slotPoints_.resize(slots);
+  slotVertices_.assign(slots, kEnd);
+  for (unsigned slot = 0; slot < slots; ++slot) slotPoints_[slot] = polygon.PointByIndex(slot);
+
   const unsigned triangles = polygon.TriangleCount();
   for (unsigned t = 0; t < triangles; ++t) {
     unsigned points[3];
     if (VxFailed(polygon.Triangle(t, points))) continue;
     for (unsigned point : points) {
       if (point >= pointHead_.size()) return VXR_OUTOFBOUNDS;
-      addCorner(polygon, primitive, point);
+      // Polygons are small: a linear search finds the point's slot.
+      unsigned slot = 0;
+      while (slot < slots && slotPoints_[slot] != point) ++slot;
+      if (slot == slots) {
+        indices.push_back(vertexFor(polygon, primitive, point));
+        continue;
+      }
+      if (slotVertices_[slot] == kEnd) slotVertices_[slot] = vertexFor(polygon, primitive, point);
+      indices.push_back(slotVertices_[slot]);
     }
   }
   return VXR_OK;
 }
 
-void MeshBuilder::addCorner(const IVxPolygon& polygon, std::uint32_t primitive, unsigned point) {
+std::uint32_t MeshBuilder::vertexFor(const IVxPolygon& polygon, std::uint32_t primitive, unsigned point) {
   // The normal: the stored map's value at the corner, else the host's smoothed one.
   double normal[3] = {0.0, 0.0, 0.0};
   float stored[6];
@@ -98,19 +116,17 @@ void MeshBuilder::addCorner(const IVxPolygon& polygon, std::uint32_t primitive, 
     const float* values = build.values.data() + stride_ * local;
     bool same = true;
     for (std::size_t k = 0; k < stride_ && same; ++k) same = values[k] == corner_[k];
-    if (!same) continue;
-    build.indices.push_back(local);
-    return;
+    if (same) return local;
   }
 
   const std::uint32_t local = static_cast<std::uint32_t>(build.vertexPoint.size());
   build.vertexPoint.push_back(point);
   build.normals.insert(build.normals.end(), normal, normal + 3);
   build.values.insert(build.values.end(), corner_.begin(), corner_.end());
-  build.indices.push_back(local);
 
   vertexNext_.push_back(pointHead_[point]);
   vertexPrimitive_.push_back(primitive);
   vertexLocal_.push_back(local);
   pointHead_[point] = static_cast<std::uint32_t>(vertexNext_.size() - 1);
+  return local;
 }

@@ -36,7 +36,8 @@ class MeshBuilder : public IVxPolygonVisitor {
  private:
   std::uint32_t primitiveFor(const char* tag);
   PrimitiveBuild& newPrimitive();
-  void addCorner(const IVxPolygon& polygon, std::uint32_t primitive, unsigned point);
+  // The primitive's vertex for the point as seen from the polygon, made when new.
+  std::uint32_t vertexFor(const IVxPolygon& polygon, std::uint32_t primitive, unsigned point);
 
   const MeshMaps& maps_;
   const bool splitByTag_;
@@ -52,4 +53,8 @@ class MeshBuilder : public IVxPolygonVisitor {
   std::vector<std::uint32_t> vertexLocal_;
 
   std::vector<float> corner_;  // scratch: the values of the corner being added
+  // Scratch per polygon: its points and the vertex each got, so that a point
+  // shared by several of the polygon's triangles is looked at once.
+  std::vector<unsigned> slotPoints_;
+  std::vector<std::uint32_t> slotVertices_;
 };

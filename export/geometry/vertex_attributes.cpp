@@ -1,5 +1,6 @@
 #include "vertex_attributes.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -57,37 +58,36 @@ std::vector<GltfAttribute> writeVertexAttributes(GltfDocument& document, const M
   const std::size_t vertices = build.vertexPoint.size();
   const std::size_t stride = builder.stride();
   std::vector<GltfAttribute> attributes;
-
   std::vector<float> data;
-  data.reserve(4 * vertices);
-  for (std::uint32_t point : build.vertexPoint)
-    data.insert(data.end(), positions.begin() + 3 * std::size_t(point), positions.begin() + 3 * std::size_t(point) + 3);
+
+  data.resize(3 * vertices);
+  for (std::size_t v = 0; v < vertices; ++v)
+    std::copy_n(&positions[3 * std::size_t(build.vertexPoint[v])], 3, &data[3 * v]);
   attributes.push_back({"POSITION", document.addFloatAccessor(GltfAccessorType::Vec3, data, true)});
 
   std::vector<Vec3> normals(vertices);
-  data.clear();
   for (std::size_t v = 0; v < vertices; ++v) {
     normals[v] = unitNormal(&build.normals[3 * v]);
-    data.insert(data.end(), {float(normals[v].x), float(normals[v].y), float(normals[v].z)});
+    data[3 * v] = float(normals[v].x), data[3 * v + 1] = float(normals[v].y), data[3 * v + 2] = float(normals[v].z);
   }
   attributes.push_back({"NORMAL", document.addFloatAccessor(GltfAccessorType::Vec3, data, false)});
 
   // glTF colours lie in 0..1; the host's may be brighter than white or negative.
+  data.resize(4 * vertices);
   for (std::size_t set = 0; set < maps.colours.size(); ++set) {
-    data.clear();
     for (std::size_t v = 0; v < vertices; ++v) {
       const float* colour = &build.values[v * stride + builder.colourOffset(set)];
-      for (int c = 0; c < 4; ++c) data.push_back(clampUnit(colour[c]));
+      for (int c = 0; c < 4; ++c) data[4 * v + c] = clampUnit(colour[c]);
     }
     attributes.push_back({"COLOR_" + std::to_string(set), document.addFloatAccessor(GltfAccessorType::Vec4, data, false)});
   }
 
   // The host's texture space starts at the bottom left, glTF's at the top left.
+  data.resize(2 * vertices);
   for (std::size_t set = 0; set < maps.uvs.size(); ++set) {
-    data.clear();
     for (std::size_t v = 0; v < vertices; ++v) {
       const float* uv = &build.values[v * stride + builder.uvOffset(set)];
-      data.insert(data.end(), {uv[0], 1.0f - uv[1]});
+      data[2 * v] = uv[0], data[2 * v + 1] = 1.0f - uv[1];
     }
     attributes.push_back(
         {"TEXCOORD_" + std::to_string(set), document.addFloatAccessor(GltfAccessorType::Vec2, data, false)});
@@ -96,7 +96,7 @@ std::vector<GltfAttribute> writeVertexAttributes(GltfDocument& document, const M
   // glTF has one tangent set: the first basis map gives it. The tangent is
   // made unit and square to the normal; w tells the bitangent's side.
   if (!maps.tangentBases.empty()) {
-    data.clear();
+    data.resize(4 * vertices);
     for (std::size_t v = 0; v < vertices; ++v) {
       const float* basis = &build.values[v * stride + builder.tangentOffset(0)];
       const Vec3& n = normals[v];
@@ -105,7 +105,8 @@ std::vector<GltfAttribute> writeVertexAttributes(GltfDocument& document, const M
       tangent = minus(tangent, scaled(n, dot(n, tangent)));
       if (!normalise(tangent)) tangent = perpendicular(n);
       const float w = dot(cross(n, tangent), bitangent) < 0.0 ? -1.0f : 1.0f;
-      data.insert(data.end(), {float(tangent.x), float(tangent.y), float(tangent.z), w});
+      data[4 * v] = float(tangent.x), data[4 * v + 1] = float(tangent.y), data[4 * v + 2] = float(tangent.z);
+      data[4 * v + 3] = w;
     }
     attributes.push_back({"TANGENT", document.addFloatAccessor(GltfAccessorType::Vec4, data, false)});
   }
