@@ -30,6 +30,7 @@
 #include "mesh/mesh_data.h"
 #include "scenefile/scene_file.h"
 #include "sdk_impl/sdk_host.h"
+#include "sdk_impl/sdk_save_target.h"
 #include "sdk_impl/sdk_scene.h"
 #include "services/host_services.h"
 
@@ -91,17 +92,6 @@ Report inChild(Work work, long& peakKiB) {
   return report;
 }
 
-class SaveTarget final : public IVxSaveTarget {
- public:
-  SaveTarget(IVxScene& scene, bool real) : scene_(scene), real_(real) {}
-  IVxScene* Scene() override { return &scene_; }
-  bool IsRealSave() const override { return real_; }
-
- private:
-  IVxScene& scene_;
-  bool real_;
-};
-
 // Reads the index accessors and vertex counts of the first mesh of a .glb file.
 bool inspectGlb(const fs::path& path, ExportReport& report) {
   std::ifstream in(path, std::ios::binary);
@@ -153,7 +143,7 @@ void exportGrid(const GridSize& size, const fs::path& folder, ExportReport& repo
   if (!saver) return setProblem(report, "\"" + pluginFile + "\" has no saver \"gltf.bin\"");
 
   const fs::path destination = glbPath(folder, size);
-  SaveTarget verify(sdkScene, false), real(sdkScene, true);
+  vexo::SaveTarget verify(sdkScene, false), real(sdkScene, true);
   VxResult result = saver->Save(&verify, destination.c_str());
   if (VxOk(result)) {
     start = Clock::now();

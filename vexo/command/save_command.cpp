@@ -7,22 +7,12 @@
 #include "loader/plugin_loader.h"
 #include "scenefile/scene_file.h"
 #include "sdk_impl/sdk_host.h"
+#include "sdk_impl/sdk_save_target.h"
 #include "sdk_impl/sdk_scene.h"
 #include "services/host_services.h"
 
 namespace vexo {
 namespace {
-
-class SaveTarget final : public IVxSaveTarget {
- public:
-  SaveTarget(IVxScene& scene, bool real) : scene_(scene), real_(real) {}
-  IVxScene* Scene() override { return &scene_; }
-  bool IsRealSave() const override { return real_; }
-
- private:
-  IVxScene& scene_;
-  bool real_;
-};
 
 // Releases a saver instance however the save ends.
 struct SaverReleaser {

@@ -97,14 +97,14 @@ const std::vector<TypeSpec>& builtinTable() {
   return table;
 }
 
-Value initialValue(const ChannelSpec& spec) {
-  switch (spec.type) {
+Value initialValue(const ChannelSpec& entry) {
+  switch (entry.type) {
     case ValueType::Integer:
-      return static_cast<std::int32_t>(spec.number);
+      return static_cast<std::int32_t>(entry.number);
     case ValueType::Float:
-      return spec.number;
+      return entry.number;
     case ValueType::Text:
-      return std::string(spec.text ? spec.text : "");
+      return std::string(entry.text ? entry.text : "");
     case ValueType::Matrix:
       break;
   }
@@ -114,18 +114,18 @@ Value initialValue(const ChannelSpec& spec) {
 }  // namespace
 
 TypeRegistry::TypeRegistry(const std::vector<TypeSpec>& table) {
-  for (const TypeSpec& spec : table) {
+  for (const TypeSpec& entry : table) {
     ItemType type;
-    type.name = spec.name;
+    type.name = entry.name;
     type.code = static_cast<TypeCode>(types_.size());
-    type.base = spec.base ? find(spec.base) : kNoType;
-    if (spec.base && type.base == kNoType)
-      throw std::logic_error(std::string("type table: base of \"") + spec.name + "\" comes later");
+    type.base = entry.base ? find(entry.base) : kNoType;
+    if (entry.base && type.base == kNoType)
+      throw std::logic_error(std::string("type table: base of \"") + entry.name + "\" comes later");
     if (type.base != kNoType) type.channels = types_[type.base].channels;
-    for (const ChannelSpec& channel : spec.channels)
+    for (const ChannelSpec& channel : entry.channels)
       type.channels.push_back({channel.name, channel.type, initialValue(channel)});
     if (!byName_.emplace(type.name, type.code).second)
-      throw std::logic_error(std::string("type table: \"") + spec.name + "\" appears twice");
+      throw std::logic_error(std::string("type table: \"") + entry.name + "\" appears twice");
     types_.push_back(std::move(type));
   }
 }
