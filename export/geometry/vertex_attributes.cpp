@@ -82,13 +82,11 @@ std::vector<GltfAttribute> writeVertexAttributes(GltfDocument& document, const M
     attributes.push_back({"COLOR_" + std::to_string(set), document.addFloatAccessor(GltfAccessorType::Vec4, data, false)});
   }
 
-  // The host's texture space starts at the bottom left, glTF's at the top left.
+  // The host's texture space is glTF's: (0, 0) at the image's top left, v running down.
   data.resize(2 * vertices);
   for (std::size_t set = 0; set < maps.uvs.size(); ++set) {
-    for (std::size_t v = 0; v < vertices; ++v) {
-      const float* uv = &build.values[v * stride + builder.uvOffset(set)];
-      data[2 * v] = uv[0], data[2 * v + 1] = 1.0f - uv[1];
-    }
+    for (std::size_t v = 0; v < vertices; ++v)
+      std::copy_n(&build.values[v * stride + builder.uvOffset(set)], 2, &data[2 * v]);
     attributes.push_back(
         {"TEXCOORD_" + std::to_string(set), document.addFloatAccessor(GltfAccessorType::Vec2, data, false)});
   }

@@ -132,7 +132,7 @@ void expectCornersRoundTrip(const Saved& saved, const std::string& scenePath, co
       for (std::size_t set = 0; set < corner.uvs.size(); ++set) {
         const std::vector<double>& uv = primitive.attributes.at("TEXCOORD_" + std::to_string(set));
         EXPECT_FLOAT_EQ(uv[2 * v], corner.uvs[set][0]) << where << " set " << set;
-        EXPECT_FLOAT_EQ(uv[2 * v + 1], 1.0f - corner.uvs[set][1]) << where << " set " << set;
+        EXPECT_FLOAT_EQ(uv[2 * v + 1], corner.uvs[set][1]) << where << " set " << set;
       }
       for (std::size_t set = 0; set < corner.colours.size(); ++set) {
         const std::vector<double>& colour = primitive.attributes.at("COLOR_" + std::to_string(set));
