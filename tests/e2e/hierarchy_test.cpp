@@ -8,6 +8,7 @@
 
 #include "gltf_reader.h"
 #include "host_scene.h"
+#include "save_and_read.h"
 #include "validator.h"
 #include "vexo_runner.h"
 
@@ -45,25 +46,9 @@ const char* const kHierarchy = R"({
   "itemList": ["Top2", "Child1", "Root"]
 })";
 
-struct Export {
-  VexoRun run;
-  ReadGltf gltf;
-  std::string json;
-};
-
-// Saves the scene with the given export type (and extra settings) as .gltf and reads it back.
-Export exportScene(const TempDir& dir, const std::string& scene, std::vector<std::string> extra = {}) {
-  const std::string path = dir.write("scene.json", scene);
-  std::vector<std::string> args = {"save", path, dir.file("out.gltf")};
-  args.insert(args.end(), extra.begin(), extra.end());
-  Export result;
-  result.run = runVexo(args);
-  EXPECT_EQ(result.run.exitCode, 0) << result.run.errText();
-  EXPECT_TRUE(isValidGltf(dir.file("out.gltf")));
-  std::string problem;
-  EXPECT_TRUE(readGltf(dir.file("out.gltf"), result.gltf, problem)) << problem;
-  result.json = readFile(dir.file("out.gltf"));
-  return result;
+// Saves the scene as .gltf with the extra arguments and reads it back.
+SavedScene exportScene(const TempDir& dir, const std::string& scene, const std::vector<std::string>& extra = {}) {
+  return saveAndRead(dir, scene, "out.gltf", extra);
 }
 
 void expectMatrixNear(const std::array<double, 16>& actual, const std::array<double, 16>& expected,
@@ -76,7 +61,7 @@ void expectMatrixNear(const std::array<double, 16>& actual, const std::array<dou
 }
 
 // Every exported node sits where the host puts its item.
-void expectWorldMatricesMatchTheHost(const Export& out, const std::string& scenePath) {
+void expectWorldMatricesMatchTheHost(const SavedScene& out, const std::string& scenePath) {
   const HostScene host(scenePath);
   ASSERT_TRUE(host.ok()) << host.error();
   for (const ReadNode& node : out.gltf.nodes) {
@@ -88,7 +73,7 @@ void expectWorldMatricesMatchTheHost(const Export& out, const std::string& scene
 
 TEST(Hierarchy, WholeSceneIsDepthFirstWithSkippedItemsLeftOut) {
   TempDir dir;
-  const Export out = exportScene(dir, kHierarchy, {"--set", "sceneio.gltf.save.exportType=0"});
+  const SavedScene out = exportScene(dir, kHierarchy, {"--set", "sceneio.gltf.save.exportType=0"});
   EXPECT_EQ(out.gltf.nodeNames(), (std::vector<std::string>{"Root", "Child1", "Cam", "Group", "Top2"}));
   ASSERT_EQ(out.gltf.scenes.size(), 1u);
   EXPECT_EQ(out.gltf.scenes[0], (std::vector<std::string>{"Root", "Top2"}));
@@ -96,9 +81,9 @@ TEST(Hierarchy, WholeSceneIsDepthFirstWithSkippedItemsLeftOut) {
   EXPECT_EQ(out.gltf.node("Child1")->children, std::vector<std::string>{"Cam"});
 
   // An identity transform writes no transform key; "children" follows "camera".
-  EXPECT_NE(out.json.find(R"({"name":"Group"})"), std::string::npos) << out.json;
-  EXPECT_NE(out.json.find(R"("camera":0})"), std::string::npos) << out.json;
-  EXPECT_NE(out.json.find(R"("children":[2]})"), std::string::npos) << out.json;
+  EXPECT_NE(out.bytes.find(R"({"name":"Group"})"), std::string::npos) << out.bytes;
+  EXPECT_NE(out.bytes.find(R"("camera":0})"), std::string::npos) << out.bytes;
+  EXPECT_NE(out.bytes.find(R"("children":[2]})"), std::string::npos) << out.bytes;
 
   EXPECT_TRUE(out.run.printed("info: Root item:Root")) << out.run.errText();
   EXPECT_TRUE(out.run.printed("info: Root item:Top2"));
@@ -111,7 +96,7 @@ TEST(Hierarchy, WholeSceneIsDepthFirstWithSkippedItemsLeftOut) {
 
 TEST(Hierarchy, WorldMatricesMatchTheHost) {
   TempDir dir;
-  const Export out = exportScene(dir, kHierarchy, {"--set", "sceneio.gltf.save.exportType=0"});
+  const SavedScene out = exportScene(dir, kHierarchy, {"--set", "sceneio.gltf.save.exportType=0"});
   expectWorldMatricesMatchTheHost(out, dir.file("scene.json"));
 }
 
@@ -127,14 +112,14 @@ TEST(Hierarchy, DeepChainsKeepTheirWorldPlacement) {
             "\", \"scale\": [1.1, 0.9, 1.05], \"rotationPivot\": [0.2, 0.1, 0]" + children + " }";
   }
   TempDir dir;
-  const Export out = exportScene(dir, "{ \"items\": [" + items + "] }", {"--set", "sceneio.gltf.save.exportType=0"});
+  const SavedScene out = exportScene(dir, "{ \"items\": [" + items + "] }", {"--set", "sceneio.gltf.save.exportType=0"});
   ASSERT_EQ(out.gltf.nodes.size(), 12u);
   expectWorldMatricesMatchTheHost(out, dir.file("scene.json"));
 }
 
 TEST(Hierarchy, SelectionExportsSelectedItemsAloneInWorldSpace) {
   TempDir dir;
-  const Export out = exportScene(dir, kHierarchy);  // export type 1 is the default
+  const SavedScene out = exportScene(dir, kHierarchy);  // export type 1 is the default
   EXPECT_EQ(out.gltf.nodeNames(), (std::vector<std::string>{"Child1", "Top2"}));
   EXPECT_TRUE(out.gltf.node("Child1")->children.empty());
   EXPECT_TRUE(out.run.printed("info: Child1"));
@@ -148,7 +133,7 @@ TEST(Hierarchy, SelectionExportsSelectedItemsAloneInWorldSpace) {
 
 TEST(Hierarchy, SelectedParentComesWithoutItsChildren) {
   TempDir dir;
-  const Export out = exportScene(dir, kHierarchy, {"--select", "Root"});
+  const SavedScene out = exportScene(dir, kHierarchy, {"--select", "Root"});
   EXPECT_EQ(out.gltf.nodeNames(), (std::vector<std::string>{"Child1", "Top2", "Root"}));
   EXPECT_TRUE(out.gltf.node("Root")->children.empty());
   EXPECT_EQ(out.gltf.scenes[0], (std::vector<std::string>{"Child1", "Top2", "Root"}));
@@ -156,7 +141,7 @@ TEST(Hierarchy, SelectedParentComesWithoutItsChildren) {
 
 TEST(Hierarchy, ItemListExportsItsParentlessItemsWithChildren) {
   TempDir dir;
-  const Export out = exportScene(dir, kHierarchy, {"--set", "sceneio.gltf.save.exportType=2"});
+  const SavedScene out = exportScene(dir, kHierarchy, {"--set", "sceneio.gltf.save.exportType=2"});
   EXPECT_EQ(out.gltf.nodeNames(), (std::vector<std::string>{"Top2", "Root", "Child1", "Cam", "Group"}));
   EXPECT_EQ(out.gltf.scenes[0], (std::vector<std::string>{"Top2", "Root"}));
   expectWorldMatricesMatchTheHost(out, dir.file("scene.json"));
@@ -164,21 +149,21 @@ TEST(Hierarchy, ItemListExportsItsParentlessItemsWithChildren) {
 
 TEST(Hierarchy, CamerasFollowTheirOption) {
   TempDir dir;
-  const Export with = exportScene(dir, kHierarchy, {"--set", "sceneio.gltf.save.exportType=0"});
+  const SavedScene with = exportScene(dir, kHierarchy, {"--set", "sceneio.gltf.save.exportType=0"});
   ASSERT_EQ(with.gltf.cameras.size(), 1u);
   EXPECT_EQ(with.gltf.cameras[0].name, "Cam");
   EXPECT_EQ(with.gltf.cameras[0].type, "perspective");
   EXPECT_FLOAT_EQ(with.gltf.cameras[0].znear, 0.1f);
   EXPECT_FLOAT_EQ(with.gltf.cameras[0].yfov, static_cast<float>(2.0 * std::atan(0.024 / (2.0 * 0.035))));
-  EXPECT_NE(with.json.find(R"("perspective":{"znear":0.10000000149011612,"yfov":)"), std::string::npos);
+  EXPECT_NE(with.bytes.find(R"("perspective":{"znear":0.10000000149011612,"yfov":)"), std::string::npos);
   EXPECT_EQ(with.gltf.node("Cam")->camera, 0);
 
   TempDir other;
-  const Export without = exportScene(other, kHierarchy,
+  const SavedScene without = exportScene(other, kHierarchy,
                                      {"--set", "sceneio.gltf.save.exportType=0", "--set", "sceneio.gltf.save.cameras=0"});
   EXPECT_EQ(without.gltf.nodeNames(), (std::vector<std::string>{"Root", "Child1", "Group", "Top2"}));
   EXPECT_TRUE(without.gltf.cameras.empty());
-  EXPECT_EQ(without.json.find("\"cameras\""), std::string::npos);
+  EXPECT_EQ(without.bytes.find("\"cameras\""), std::string::npos);
 }
 
 TEST(Hierarchy, CustomStacksAndDrivenChannels) {
@@ -202,7 +187,7 @@ TEST(Hierarchy, CustomStacksAndDrivenChannels) {
     ]
   })";
   TempDir dir;
-  const Export out = exportScene(dir, scene, {"--set", "sceneio.gltf.save.exportType=0"});
+  const SavedScene out = exportScene(dir, scene, {"--set", "sceneio.gltf.save.exportType=0"});
   expectWorldMatricesMatchTheHost(out, dir.file("scene.json"));
   const VexoRun& run = out.run;
   EXPECT_TRUE(run.printed("info:    Driven channel:visible")) << run.errText();

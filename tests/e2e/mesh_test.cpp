@@ -9,6 +9,7 @@
 
 #include "gltf_reader.h"
 #include "host_scene.h"
+#include "save_and_read.h"
 #include "validator.h"
 #include "vexo_runner.h"
 
@@ -84,26 +85,15 @@ std::array<double, 3> unit(const std::array<double, 3>& v) {
   return {v[0] / length, v[1] / length, v[2] / length};
 }
 
-struct Saved {
-  VexoRun run;
-  ReadGltf gltf;
-};
-
-Saved save(const TempDir& dir, const std::string& scene, std::vector<std::string> settings) {
-  const std::string path = dir.write("scene.json", scene);
-  std::vector<std::string> args = {"save", path, dir.file("out.glb"), "--set", "sceneio.gltf.save.exportType=0"};
+// Saves the whole scene as .glb with the given settings and reads it back.
+SavedScene save(const TempDir& dir, const std::string& scene, const std::vector<std::string>& settings) {
+  std::vector<std::string> args = {"--set", "sceneio.gltf.save.exportType=0"};
   for (const std::string& setting : settings) args.insert(args.end(), {"--set", setting});
-  Saved saved;
-  saved.run = runVexo(args);
-  EXPECT_EQ(saved.run.exitCode, 0) << saved.run.errText();
-  EXPECT_TRUE(isValidGltf(dir.file("out.glb")));
-  std::string problem;
-  EXPECT_TRUE(readGltf(dir.file("out.glb"), saved.gltf, problem)) << problem;
-  return saved;
+  return saveAndRead(dir, scene, "out.glb", args);
 }
 
 // Checks every host corner of `item` against the exported mesh `mesh`.
-void expectCornersRoundTrip(const Saved& saved, const std::string& scenePath, const std::string& item, int mesh,
+void expectCornersRoundTrip(const SavedScene& saved, const std::string& scenePath, const std::string& item, int mesh,
                             bool tangents) {
   const HostScene host(scenePath);
   ASSERT_TRUE(host.ok()) << host.error();
@@ -166,7 +156,7 @@ void expectCornersRoundTrip(const Saved& saved, const std::string& scenePath, co
 
 TEST(MeshExport, EveryCornerRoundTripsWithAllItsValues) {
   TempDir dir;
-  const Saved saved = save(dir, shapeScene(), {"sceneio.gltf.save.tangentsBitangents=1"});
+  const SavedScene saved = save(dir, shapeScene(), {"sceneio.gltf.save.tangentsBitangents=1"});
   expectCornersRoundTrip(saved, dir.file("scene.json"), "Shape", 0, true);
   expectCornersRoundTrip(saved, dir.file("scene.json"), "Stored", 1, false);
 
@@ -195,7 +185,7 @@ TEST(MeshExport, EveryCornerRoundTripsWithAllItsValues) {
 
 TEST(MeshExport, TangentsAndMaterialsFollowTheirOptions) {
   TempDir dir;
-  const Saved saved = save(dir, shapeScene(), {"sceneio.gltf.save.materials=0"});
+  const SavedScene saved = save(dir, shapeScene(), {"sceneio.gltf.save.materials=0"});
   ASSERT_EQ(saved.gltf.meshes[0].primitives.size(), 1u);
   const ReadPrimitive& all = saved.gltf.meshes[0].primitives[0];
   EXPECT_EQ(all.material, -1);
@@ -225,7 +215,7 @@ TEST(MeshExport, SixteenBitIndicesStopAt65535) {
   const std::string scene =
       "{ \"items\": [" + stripMesh("Fits", 21845) + ", " + stripMesh("TooBig", 21846) + "] }";
   TempDir dir;
-  const Saved saved = save(dir, scene, {});
+  const SavedScene saved = save(dir, scene, {});
   ASSERT_EQ(saved.gltf.meshes.size(), 1u);
   EXPECT_EQ(saved.gltf.node("Fits")->mesh, 0);
   EXPECT_EQ(saved.gltf.node("TooBig")->mesh, -1);
@@ -238,7 +228,7 @@ TEST(MeshExport, SixteenBitIndicesStopAt65535) {
   EXPECT_TRUE(saved.run.printed("warning: There are 0 warnings and 1 errors reported to event log"));
 
   TempDir wide;
-  const Saved all = save(wide, scene, {"sceneio.gltf.save.indicesExport=1"});
+  const SavedScene all = save(wide, scene, {"sceneio.gltf.save.indicesExport=1"});
   ASSERT_EQ(all.gltf.meshes.size(), 2u);
   for (const ReadMesh& mesh : all.gltf.meshes)
     for (const ReadPrimitive& primitive : mesh.primitives) EXPECT_EQ(primitive.indexComponentType, 5125);
@@ -254,7 +244,7 @@ TEST(MeshExport, InstancesShareOneMeshAndHiddenMeshesAreLeftOut) {
       "mesh": { "points": [[0,0,0],[1,0,0],[0,1,0]], "polygons": [[0,1,2]] } }
   ] })";
   TempDir dir;
-  const Saved saved = save(dir, scene, {});
+  const SavedScene saved = save(dir, scene, {});
   ASSERT_EQ(saved.gltf.meshes.size(), 1u);
   for (const char* name : {"Box", "Copy", "Copy2"}) EXPECT_EQ(saved.gltf.node(name)->mesh, 0) << name;
   ASSERT_NE(saved.gltf.node("Hidden"), nullptr);
