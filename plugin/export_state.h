@@ -23,6 +23,8 @@ struct ExportState {
   std::unique_ptr<GltfDocument> document;
   std::uint32_t documentRoot = GltfDocument::kNone;
   CVxUser_Scene scene;
+  // The scene's current evaluation ("edit" at the current time), opened once.
+  CVxChannelRead edit;
   ItemTypes types{};
   SceneScan scan;
   ItemNodeMap itemNodes;

@@ -51,6 +51,7 @@ void GltfSaverBase::InitSaver(const CVxUser_Scene& scene) {
   state_.document = std::make_unique<GltfDocument>(settings);
   state_.documentRoot = state_.document->root();
   state_.scene = scene;
+  state_.edit = scene.channelRead("edit", scene.time());
   state_.types = ItemTypes::lookup();
   state_.scan = scanScene(scene, state_.options, state_.types, state_.log);
 }
@@ -63,9 +64,9 @@ VxResult GltfSaverBase::RunSaver() {
     return VXR_FAILED;
   }
 
-  MeshExporter meshes(state_.scene, state_.options, state_.log, *state_.document);
-  NodeWalkContext nodes{state_.scene,     state_.options,      state_.types, state_.log,
-                        *state_.document, state_.documentRoot, &meshes,      state_.itemNodes};
+  MeshExporter meshes(state_.scene, state_.edit, state_.options, state_.log, *state_.document);
+  NodeWalkContext nodes{state_.scene,        state_.edit, state_.options, state_.types,    state_.log,
+                        *state_.document, state_.documentRoot, &meshes,   state_.itemNodes};
   walkNodes(nodes, state_.scan.rootItems);
 
   if (state_.options.cameras != 0) readRenderResolution();
@@ -87,7 +88,6 @@ void GltfSaverBase::readRenderResolution() {
   state_.renderHeight = 480;
   const CVxUser_Item render = state_.scene.firstItem(state_.types.polyRender);
   if (!render.test()) return;
-  const CVxChannelRead read = state_.scene.channelRead("edit", state_.scene.time());
-  read.integer(render, render.channelIndex("resX"), state_.renderWidth);
-  read.integer(render, render.channelIndex("resY"), state_.renderHeight);
+  state_.edit.integer(render, render.channelIndex("resX"), state_.renderWidth);
+  state_.edit.integer(render, render.channelIndex("resY"), state_.renderHeight);
 }

@@ -9,8 +9,7 @@ constexpr double kFilmHeight = 0.024;   // metres
 constexpr double kNearClip = 0.01;      // metres
 }  // namespace
 
-std::uint32_t addCameraRecord(const CVxUser_Scene& scene, const CVxUser_Item& item, GltfDocument& document) {
-  const CVxChannelRead read = scene.channelRead("edit", scene.time());
+std::uint32_t addCameraRecord(const CVxChannelRead& read, const CVxUser_Item& item, GltfDocument& document) {
   double focalLength = kFocalLength;
   double filmHeight = kFilmHeight;
   double nearClip = kNearClip;

@@ -9,4 +9,4 @@
 // Adds a perspective camera named after the item; its vertical field of
 // view comes from the focal length and film height, its near plane from
 // the clipping distance (docs/cameras.md).
-std::uint32_t addCameraRecord(const CVxUser_Scene& scene, const CVxUser_Item& item, GltfDocument& document);
+std::uint32_t addCameraRecord(const CVxChannelRead& read, const CVxUser_Item& item, GltfDocument& document);

@@ -28,7 +28,7 @@ std::uint32_t createNode(NodeWalkContext& context, const CVxUser_Item& item, std
   std::uint32_t mesh = GltfDocument::kNone;
   if (context.meshes && carriesGeometry(context, item)) mesh = context.meshes->exportMesh(item);
   std::uint32_t camera = GltfDocument::kNone;
-  if (item.isA(context.types.camera)) camera = addCameraRecord(context.scene, item, context.document);
+  if (item.isA(context.types.camera)) camera = addCameraRecord(context.read, item, context.document);
 
   const std::uint32_t node = context.document.addNode(parentNode, name.c_str());
   if (mesh != GltfDocument::kNone) context.document.setNodeMesh(node, mesh);

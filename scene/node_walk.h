@@ -35,6 +35,7 @@ class ItemNodeMap {
 
 struct NodeWalkContext {
   const CVxUser_Scene& scene;
+  const CVxChannelRead& read;  // the current evaluation
   const ExportOptions& options;
   const ItemTypes& types;
   GltfLogMsg& log;

@@ -16,7 +16,7 @@ VxResult chooseTransform(NodeWalkContext& context, const CVxUser_Item& item, std
   analyseTransforms(context.scene, item, context.types, context.log, analysis);
   context.log.info("   driven:%d xformDriven:%d", analysis.drivenChannels, analysis.drivenTransformChannels);
 
-  const CVxChannelRead read = context.scene.channelRead("edit", context.scene.time());
+  const CVxChannelRead& read = context.read;
   double world[16];
   matrix4::identity(world);
   locator.worldMatrix(read, world);

@@ -6,9 +6,9 @@
 #include "mesh_builder.h"
 #include "vertex_attributes.h"
 
-MeshExporter::MeshExporter(const CVxUser_Scene& scene, const ExportOptions& options, GltfLogMsg& log,
-                           GltfDocument& document)
-    : scene_(scene), options_(options), log_(log), document_(document) {}
+MeshExporter::MeshExporter(const CVxUser_Scene& scene, const CVxChannelRead& read, const ExportOptions& options,
+                           GltfLogMsg& log, GltfDocument& document)
+    : scene_(scene), read_(read), options_(options), log_(log), document_(document) {}
 
 std::uint32_t MeshExporter::exportMesh(const CVxUser_Item& item) {
   const std::string name = item.name();
@@ -20,8 +20,7 @@ std::uint32_t MeshExporter::exportMesh(const CVxUser_Item& item) {
 
   // Any non-zero "visible" state leaves the mesh out, without a word.
   std::int32_t visible = 0;
-  const CVxChannelRead read = scene_.channelRead("edit", scene_.time());
-  if (read.integer(item, item.channelIndex("visible"), visible) && visible != 0) return GltfDocument::kNone;
+  if (read_.integer(item, item.channelIndex("visible"), visible) && visible != 0) return GltfDocument::kNone;
 
   const std::string typeName = item.typeName();
   const auto cached = cache_.find(mesh.ident());

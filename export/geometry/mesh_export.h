@@ -22,7 +22,9 @@ struct PrimitiveTag {
 
 class MeshExporter : public MeshSource {
  public:
-  MeshExporter(const CVxUser_Scene& scene, const ExportOptions& options, GltfLogMsg& log, GltfDocument& document);
+  // `read` is the current evaluation, in which "visible" is read.
+  MeshExporter(const CVxUser_Scene& scene, const CVxChannelRead& read, const ExportOptions& options, GltfLogMsg& log,
+               GltfDocument& document);
 
   // The item's glTF mesh, built on first use; kNone when the item shows no mesh.
   std::uint32_t exportMesh(const CVxUser_Item& item) override;
@@ -34,6 +36,7 @@ class MeshExporter : public MeshSource {
 
  private:
   const CVxUser_Scene& scene_;
+  const CVxChannelRead& read_;
   const ExportOptions& options_;
   GltfLogMsg& log_;
   GltfDocument& document_;
