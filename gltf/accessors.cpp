@@ -11,7 +11,11 @@ namespace {
 const char* const kTypeNames[] = {"SCALAR", "VEC2", "VEC3", "VEC4", "MAT2", "MAT3", "MAT4"};
 const std::uint32_t kComponents[] = {1, 2, 3, 4, 4, 9, 16};
 
-std::uint32_t componentsOf(GltfAccessorType type) { return kComponents[static_cast<std::uint32_t>(type)]; }
+// 0 for a type outside the table, which every caller refuses.
+std::uint32_t componentsOf(GltfAccessorType type) {
+  const auto code = static_cast<std::uint32_t>(type);
+  return code < sizeof kComponents / sizeof kComponents[0] ? kComponents[code] : 0;
+}
 
 std::uint32_t widthOf(GltfBlockKind kind) {
   switch (kind) {
@@ -90,7 +94,7 @@ std::uint32_t GltfDocument::addAccessor(std::uint32_t bufferView, GltfAccessorTy
                                         std::uint32_t count, std::uint32_t byteOffset, const std::vector<float>& min,
                                         const std::vector<float>& max) {
   Impl& d = *impl_;
-  if (static_cast<std::uint32_t>(type) > static_cast<std::uint32_t>(GltfAccessorType::Mat4)) return kNone;
+  if (componentsOf(type) == 0) return kNone;
   Value accessor(rapidjson::kObjectType);
   gltf::addMember(accessor, "bufferView", bufferView, d.allocator);
   if (byteOffset != 0) gltf::addMember(accessor, "byteOffset", byteOffset, d.allocator);
@@ -108,15 +112,19 @@ std::uint32_t GltfDocument::Impl::addPayload(GltfBlockKind kind, const void* val
                                              const std::vector<float>& min, const std::vector<float>& max) {
   // Always the same four steps in the same order, so views follow the blocks.
   GltfDocument& doc = *owner;
+  const std::uint32_t components = componentsOf(type);
+  if (components == 0 || valueCount == 0 || valueCount % components != 0) return kNone;
   const std::uint32_t byteLength = doc.addBlock(kind, values, valueCount);
+  // A block that could not be added gets no view and no accessor.
+  if (byteLength == 0) return kNone;
   const std::uint32_t offset = doc.growBuffer(byteLength);
   const std::uint32_t view = doc.addBufferView(0, byteLength, offset, 0, 0);
-  return doc.addAccessor(view, type, componentType, valueCount / componentsOf(type), 0, min, max);
+  return doc.addAccessor(view, type, componentType, valueCount / components, 0, min, max);
 }
 
 std::uint32_t GltfDocument::addFloatAccessor(GltfAccessorType type, const std::vector<float>& values, bool bounds) {
   const std::uint32_t n = componentsOf(type);
-  if (values.empty() || values.size() % n != 0 || values.size() > std::numeric_limits<std::uint32_t>::max() / 4) {
+  if (n == 0 || values.empty() || values.size() % n != 0 || values.size() > std::numeric_limits<std::uint32_t>::max() / 4) {
     return kNone;
   }
   std::vector<float> rounded(values.size());
@@ -142,7 +150,7 @@ std::uint32_t GltfDocument::addFloatAccessor(GltfAccessorType type, const std::v
 
 std::uint32_t GltfDocument::addUShortAccessor(GltfAccessorType type, const std::vector<std::uint16_t>& values) {
   const std::uint32_t n = componentsOf(type);
-  if (values.empty() || values.size() % n != 0 || values.size() > std::numeric_limits<std::uint32_t>::max() / 2) {
+  if (n == 0 || values.empty() || values.size() % n != 0 || values.size() > std::numeric_limits<std::uint32_t>::max() / 2) {
     return kNone;
   }
   return impl_->addPayload(GltfBlockKind::UInt16, values.data(), static_cast<std::uint32_t>(values.size()), type,

@@ -34,8 +34,6 @@ GltfDocument::GltfDocument(const GltfSettings& settings) : impl_(std::make_uniqu
 
 GltfDocument::~GltfDocument() = default;
 
-const GltfSettings& GltfDocument::settings() const { return impl_->settings; }
-
 std::uint32_t GltfDocument::addCamera(const char* name, float znear, float yfov) {
   Impl& d = *impl_;
   Value perspective(rapidjson::kObjectType);

@@ -94,8 +94,6 @@ class GltfDocument {
   GltfDocument(const GltfDocument&) = delete;
   GltfDocument& operator=(const GltfDocument&) = delete;
 
-  const GltfSettings& settings() const;
-
   // --- Nodes -------------------------------------------------------------------
   // Nodes are handles, numbered by the writer depth first in pre-order from the
   // root's children in their order; skins and animations refer to handles too.
@@ -121,12 +119,6 @@ class GltfDocument {
   // node whose skin has joints is written in the rotation/translation/scale form.
   void setNodeSkin(std::uint32_t node, std::uint32_t skin);
 
-  std::uint32_t nodeCount() const;  // glTF nodes, the root not counted
-  std::string nodeName(std::uint32_t node) const;
-  std::uint32_t nodeParent(std::uint32_t node) const;  // the root for scene roots; kNone for the root
-  // Copies the matrix given to setNodeMatrix into `m`; false (and `m` untouched)
-  // when none was set.
-  bool nodeMatrix(std::uint32_t node, double m[16]) const;
   // The first node created with this name, or kNone.
   std::uint32_t findNode(const char* name) const;
 
@@ -188,7 +180,6 @@ class GltfDocument {
                              std::uint32_t accessor);
   // Sets the primitive's "material" (kNone removes it), keeping the key order.
   bool setPrimitiveMaterial(std::uint32_t mesh, std::uint32_t primitive, std::uint32_t material);
-  std::uint32_t meshCount() const;
   std::uint32_t primitiveCount(std::uint32_t mesh) const;
 
   // --- Materials, textures, samplers, images ------------------------------------
@@ -200,7 +191,6 @@ class GltfDocument {
   std::uint32_t addMaterial(const GltfMaterialDesc& material);
   // Rebuilds a material added earlier (not the default material at 0).
   bool setMaterial(std::uint32_t index, const GltfMaterialDesc& material);
-  std::uint32_t materialCount() const;  // the default material included
 
   // {["name"], ["sampler"], "source"}: "name" only when not empty, "sampler" only
   // when not kNone. A non-empty `key` seen before returns the stored index and
@@ -219,7 +209,6 @@ class GltfDocument {
   // leaves the texture out and the output stays valid. In ".gltf" output two
   // images of one file name from different folders land on one copy (the later).
   std::uint32_t addImage(const std::string& path, std::uint32_t format);
-  std::uint32_t imageCount() const;
 
   // --- Animations --------------------------------------------------------------
   // {"channels", "samplers", "name"}. Each curve becomes one "LINEAR" sampler
@@ -245,7 +234,6 @@ class GltfDocument {
   // Returns the joint's index within the skin.
   std::uint32_t addSkinJoint(std::uint32_t skin, std::uint32_t node, const double inverseBind[16]);
   void setSkinSkeleton(std::uint32_t skin, std::uint32_t node);
-  std::uint32_t skinJointCount(std::uint32_t skin) const;
   // Writes the inverse bind matrices as a MAT4 accessor; later joints are
   // ignored. write() finishes skins left open.
   void finishSkin(std::uint32_t skin);

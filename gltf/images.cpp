@@ -73,4 +73,3 @@ std::uint32_t GltfDocument::addImage(const std::string& path, std::uint32_t form
   return index;
 }
 
-std::uint32_t GltfDocument::imageCount() const { return impl_->images.Size(); }

@@ -72,8 +72,6 @@ bool GltfDocument::setMaterial(std::uint32_t index, const GltfMaterialDesc& mate
   return true;
 }
 
-std::uint32_t GltfDocument::materialCount() const { return impl_->materials.Size(); }
-
 std::uint32_t GltfDocument::addTexture(const std::string& key, const std::string& name, std::uint32_t sampler,
                                        std::uint32_t source) {
   Impl& d = *impl_;

@@ -121,8 +121,6 @@ bool GltfDocument::setPrimitiveMaterial(std::uint32_t mesh, std::uint32_t primit
   return true;
 }
 
-std::uint32_t GltfDocument::meshCount() const { return impl_->meshes.Size(); }
-
 std::uint32_t GltfDocument::primitiveCount(std::uint32_t mesh) const {
   return impl_->validMesh(mesh) ? impl_->meshes[mesh]["primitives"].Size() : 0;
 }

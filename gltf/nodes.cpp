@@ -46,22 +46,6 @@ void GltfDocument::setNodeSkin(std::uint32_t node, std::uint32_t skin) {
   if (node != 0 && d.validNode(node) && (skin == kNone || skin < d.skins.size())) d.nodes[node].skin = skin;
 }
 
-std::uint32_t GltfDocument::nodeCount() const { return static_cast<std::uint32_t>(impl_->nodes.size() - 1); }
-
-std::string GltfDocument::nodeName(std::uint32_t node) const {
-  return impl_->validNode(node) ? impl_->nodes[node].name : std::string();
-}
-
-std::uint32_t GltfDocument::nodeParent(std::uint32_t node) const {
-  return impl_->validNode(node) ? impl_->nodes[node].parent : kNone;
-}
-
-bool GltfDocument::nodeMatrix(std::uint32_t node, double m[16]) const {
-  if (!impl_->validNode(node) || !impl_->nodes[node].hasMatrix) return false;
-  std::copy(impl_->nodes[node].matrix, impl_->nodes[node].matrix + 16, m);
-  return true;
-}
-
 std::uint32_t GltfDocument::findNode(const char* name) const {
   const auto found = impl_->nodeByName.find(name ? name : "");
   return found == impl_->nodeByName.end() ? kNone : found->second;

@@ -28,10 +28,6 @@ void GltfDocument::setSkinSkeleton(std::uint32_t skin, std::uint32_t node) {
   if (skin < d.skins.size() && (node == kNone || (node != 0 && d.validNode(node)))) d.skins[skin].skeleton = node;
 }
 
-std::uint32_t GltfDocument::skinJointCount(std::uint32_t skin) const {
-  return skin < impl_->skins.size() ? static_cast<std::uint32_t>(impl_->skins[skin].joints.size()) : 0;
-}
-
 void GltfDocument::finishSkin(std::uint32_t skin) {
   if (skin < impl_->skins.size()) impl_->finishSkin(impl_->skins[skin]);
 }

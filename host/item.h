@@ -23,6 +23,8 @@ class CVxUser_Item {
 
   bool test() const { return item_ != nullptr; }
   IVxItem* raw() const { return item_; }
+  // The item's identity within this scene, for keying maps; null for no item.
+  const void* key() const { return item_; }
   bool operator==(const CVxUser_Item& other) const { return item_ == other.item_; }
   bool operator!=(const CVxUser_Item& other) const { return item_ != other.item_; }
 

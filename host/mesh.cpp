@@ -22,3 +22,25 @@ std::vector<CVxMapEntry> CVxMesh::maps(std::uint32_t type) const {
   }
   return result;
 }
+
+namespace {
+
+// Hands the host's polygons to the module's visitor.
+class PolygonVisitorAdapter : public IVxPolygonVisitor {
+ public:
+  explicit PolygonVisitorAdapter(CVxPolygonVisitor& visitor) : visitor_(visitor) {}
+  VxResult Polygon(const IVxPolygon& polygon) override {
+    return visitor_.polygon(CVxPolygon(polygon)) ? VXR_OK : VXR_FAILED;
+  }
+
+ private:
+  CVxPolygonVisitor& visitor_;
+};
+
+}  // namespace
+
+bool CVxMesh::visitPolygons(CVxPolygonVisitor& visitor) const {
+  if (!mesh_) return false;
+  PolygonVisitorAdapter adapter(visitor);
+  return VxOk(mesh_->VisitPolygons(&adapter));
+}

@@ -14,6 +14,39 @@ struct CVxMapEntry {
   VxMapID id = VX_MAP_NONE;
 };
 
+// One polygon during a walk; valid only inside CVxPolygonVisitor::polygon.
+class CVxPolygon {
+ public:
+  explicit CVxPolygon(const IVxPolygon& polygon) : polygon_(polygon) {}
+
+  // The polygon's material tag; "Default" when the host gives none.
+  const char* materialTag() const {
+    const char* tag = polygon_.Tag(VX_PTAG_MATERIAL);
+    return tag ? tag : "Default";
+  }
+  unsigned vertexCount() const { return polygon_.VertexCount(); }
+  unsigned point(unsigned vertex) const { return polygon_.PointByIndex(vertex); }
+  unsigned triangleCount() const { return polygon_.TriangleCount(); }
+  bool triangle(unsigned index, unsigned points[3]) const { return VxOk(polygon_.Triangle(index, points)); }
+  // The map's value at one of the polygon's points (the corner's own value
+  // first, then the point's): as many floats as the map's dimension.
+  bool mapValue(VxMapID map, unsigned point, float* values) const {
+    return VxOk(polygon_.MapEvaluate(map, point, values));
+  }
+  // The host's smoothed normal at one of the polygon's points.
+  bool cornerNormal(unsigned point, double normal[3]) const { return VxOk(polygon_.CornerNormal(point, normal)); }
+
+ private:
+  const IVxPolygon& polygon_;
+};
+
+class CVxPolygonVisitor {
+ public:
+  virtual ~CVxPolygonVisitor() = default;
+  // Called once per polygon in index order; false stops the walk.
+  virtual bool polygon(const CVxPolygon& polygon) = 0;
+};
+
 class CVxMesh {
  public:
   // Empty (test() false) when the item has no mesh.
@@ -34,8 +67,11 @@ class CVxMesh {
   // describe is listed with VX_MAP_NONE.
   std::vector<CVxMapEntry> maps(std::uint32_t type) const;
   unsigned mapValueCount(VxMapID map) const { return mesh_ ? mesh_->MapValueCount(map) : 0; }
+  // Values per element of a map (3 for "NORM", 2 for "TXUV").
+  unsigned mapDimension(VxMapID map) const { return mesh_ ? mesh_->MapDimension(map) : 0; }
 
-  bool visitPolygons(IVxPolygonVisitor& visitor) const { return mesh_ && VxOk(mesh_->VisitPolygons(&visitor)); }
+  // Walks every polygon in index order; false when the walk stopped before the end.
+  bool visitPolygons(CVxPolygonVisitor& visitor) const;
 
  private:
   IVxMesh* mesh_ = nullptr;

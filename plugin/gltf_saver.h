@@ -1,7 +1,9 @@
 // The two scene savers and the export driver they share.
 #pragma once
 
-#include "export_state.h"
+#include <string>
+
+#include "core/export_context.h"
 #include "host/scene_saver.h"
 
 class GltfSaverBase : public CVxSceneSaver {
@@ -18,8 +20,14 @@ class GltfSaverBase : public CVxSceneSaver {
   VxResult RunSaver();
   void readRenderResolution();
 
-  ExportState state_;
-  const std::int32_t outputForm_;
+  ExportContext context_;
+  bool initialised_ = false;
+  std::string destination_;
+  // The render resolution, read when cameras are exported.
+  std::int32_t renderWidth_ = 720;
+  std::int32_t renderHeight_ = 480;
+
+  const std::int32_t outputForm_;  // 0 one ".glb", 1 ".gltf" with ".bin"
   VxResult* const resultCell_;
   std::int32_t initStatus_ = 0;
 };

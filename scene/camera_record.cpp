@@ -9,7 +9,8 @@ constexpr double kFilmHeight = 0.024;   // metres
 constexpr double kNearClip = 0.01;      // metres
 }  // namespace
 
-std::uint32_t addCameraRecord(const CVxChannelRead& read, const CVxUser_Item& item, GltfDocument& document) {
+std::uint32_t addCameraRecord(ExportContext& context, const CVxUser_Item& item) {
+  const CVxChannelRead& read = context.edit;
   double focalLength = kFocalLength;
   double filmHeight = kFilmHeight;
   double nearClip = kNearClip;
@@ -21,5 +22,5 @@ std::uint32_t addCameraRecord(const CVxChannelRead& read, const CVxUser_Item& it
   if (!(nearClip > 0.0)) nearClip = kNearClip;
 
   const double yfov = 2.0 * std::atan(filmHeight / (2.0 * focalLength));
-  return document.addCamera(item.name().c_str(), static_cast<float>(nearClip), static_cast<float>(yfov));
+  return context.document->addCamera(item.name().c_str(), static_cast<float>(nearClip), static_cast<float>(yfov));
 }

@@ -3,10 +3,9 @@
 
 #include <cstdint>
 
-#include "gltf/document.h"
-#include "host/scene.h"
+#include "core/export_context.h"
 
-// Adds a perspective camera named after the item; its vertical field of
-// view comes from the focal length and film height, its near plane from
-// the clipping distance (docs/cameras.md).
-std::uint32_t addCameraRecord(const CVxChannelRead& read, const CVxUser_Item& item, GltfDocument& document);
+// Adds a perspective camera named after the item: its vertical field of view
+// comes from the focal length ("focalLen") and film height ("apertureY"), its
+// near plane from "clipNear"; docs/export.md gives the defaults.
+std::uint32_t addCameraRecord(ExportContext& context, const CVxUser_Item& item);

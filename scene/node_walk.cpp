@@ -4,10 +4,11 @@
 #include <utility>
 
 #include "camera_record.h"
+#include "transform_choice.h"
 
 namespace {
 
-bool skipsSubtree(const NodeWalkContext& context, const CVxUser_Item& item) {
+bool skipsSubtree(const ExportContext& context, const CVxUser_Item& item) {
   const ItemTypes& types = context.types;
   if (item.isA(types.lightMaterial) || item.isA(types.txtrLocator) || item.isA(types.morphDeform) ||
       item.isA(types.light))
@@ -15,35 +16,39 @@ bool skipsSubtree(const NodeWalkContext& context, const CVxUser_Item& item) {
   return item.isA(types.camera) && context.options.cameras == 0;
 }
 
-bool carriesGeometry(const NodeWalkContext& context, const CVxUser_Item& item) {
+bool carriesGeometry(const ExportContext& context, const CVxUser_Item& item) {
   const ItemTypes& types = context.types;
   if (context.options.geometry == 0) return false;
   return item.isA(types.mesh) || item.isA(types.meshInst) || item.isA(types.triSurf);
 }
 
-std::uint32_t createNode(NodeWalkContext& context, const CVxUser_Item& item, std::uint32_t parentNode) {
+std::uint32_t createNode(ExportContext& context, const CVxUser_Item& item, std::uint32_t parentNode) {
   const std::string name = item.name();
   if (name == "MorphGroup" || name == "TextureGroup") return GltfDocument::kNone;
 
+  GltfDocument& document = *context.document;
   std::uint32_t mesh = GltfDocument::kNone;
   if (context.meshes && carriesGeometry(context, item)) mesh = context.meshes->exportMesh(item);
   std::uint32_t camera = GltfDocument::kNone;
-  if (item.isA(context.types.camera)) camera = addCameraRecord(context.read, item, context.document);
+  if (item.isA(context.types.camera)) camera = addCameraRecord(context, item);
 
-  const std::uint32_t node = context.document.addNode(parentNode, name.c_str());
-  if (mesh != GltfDocument::kNone) context.document.setNodeMesh(node, mesh);
-  if (camera != GltfDocument::kNone) context.document.setNodeCamera(node, camera);
+  const std::uint32_t node = document.addNode(parentNode, name.c_str());
+  if (mesh != GltfDocument::kNone) {
+    document.setNodeMesh(node, mesh);
+    context.deformers.push_back({item, node});
+  }
+  if (camera != GltfDocument::kNone) document.setNodeCamera(node, camera);
   chooseTransform(context, item, node, parentNode);
   return node;
 }
 
 }  // namespace
 
-VxResult walkNodes(NodeWalkContext& context, const std::vector<CVxUser_Item>& rootItems) {
+VxResult walkNodes(ExportContext& context) {
   const bool withChildren = context.options.exportType == 0 || context.options.exportType == 2;
   std::deque<std::pair<std::uint32_t, CVxUser_Item>> stack;
 
-  for (const CVxUser_Item& root : rootItems) {
+  for (const CVxUser_Item& root : context.rootItems) {
     if (!root.isA(context.types.locator)) continue;
     stack.emplace_back(context.documentRoot, root);
     while (!stack.empty()) {

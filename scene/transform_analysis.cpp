@@ -1,6 +1,5 @@
 #include "transform_analysis.h"
 
-#include "host/locator.h"
 
 namespace {
 
@@ -33,18 +32,15 @@ int translationSlot(const std::string& name) {
 
 }  // namespace
 
-VxResult analyseTransforms(const CVxUser_Scene& scene, const CVxUser_Item& item, const ItemTypes& types,
-                           GltfLogMsg& log, TransformAnalysis& analysis) {
-  const CVxLocator locator(scene, item);
-  if (!locator.test()) {
-    log.info("   !!! No locator !!!");
-    return VXR_NOTFOUND;
-  }
+void analyseTransforms(ExportContext& context, const CVxLocator& locator, const CVxUser_Item& item,
+                       TransformAnalysis& analysis) {
+  const ItemTypes& types = context.types;
+  GltfLogMsg& log = context.log;
   const CVxUser_Item mainPosition = locator.mainTransform(VX_XFRM_POSITION);
   const CVxUser_Item mainRotation = locator.mainTransform(VX_XFRM_ROTATION);
   const CVxUser_Item mainScale = locator.mainTransform(VX_XFRM_SCALE);
 
-  const CVxChannelLinks links(scene);
+  const CVxChannelLinks links(context.scene);
   for (int i = 0; i < kDrivenCount; ++i) analysis.driven[i] = links.isDriven(item, item.channelIndex(kMatrixChannels[i]));
 
   for (unsigned channel = 0; channel < item.channelCount(); ++channel) {
@@ -92,7 +88,6 @@ VxResult analyseTransforms(const CVxUser_Scene& scene, const CVxUser_Item& item,
     // "shear" items are recognised and stay unclassified.
     if (slot < 0) continue;
     analysis.slots[slot] = position;
-    if (!main) analysis.names[slot].push_back(transform.ident());
+    if (!main) analysis.idents[slot].push_back(transform.ident());
   }
-  return VXR_OK;
 }

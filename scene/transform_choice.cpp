@@ -1,43 +1,38 @@
-#include <algorithm>
+#include "transform_choice.h"
 
+#include "core/matrix4.h"
 #include "host/locator.h"
-#include "matrix4.h"
-#include "node_walk.h"
 #include "transform_analysis.h"
 
-VxResult chooseTransform(NodeWalkContext& context, const CVxUser_Item& item, std::uint32_t node,
-                         std::uint32_t parentNode) {
+void chooseTransform(ExportContext& context, const CVxUser_Item& item, std::uint32_t node, std::uint32_t parentNode) {
   const CVxLocator locator(context.scene, item);
   if (!locator.test()) {
     context.log.info("   !!! No locator !!!");
-    return VXR_NOTFOUND;
+    return;
   }
-  TransformAnalysis analysis;
-  analyseTransforms(context.scene, item, context.types, context.log, analysis);
-  context.log.info("   driven:%d xformDriven:%d", analysis.drivenChannels, analysis.drivenTransformChannels);
+  NodeTransform& transform = context.nodeTransforms[node];
+  analyseTransforms(context, locator, item, transform.analysis);
+  context.log.info("   driven:%d xformDriven:%d", transform.analysis.drivenChannels,
+                   transform.analysis.drivenTransformChannels);
 
-  const CVxChannelRead& read = context.read;
   double world[16];
   matrix4::identity(world);
-  locator.worldMatrix(read, world);
+  locator.worldMatrix(context.edit, world);
+  double parentWorld[16];
+  const bool parentKnown = locator.parentWorldMatrix(context.edit, parentWorld);
 
   // Under the document root, an item whose parent is not exported keeps its
   // world placement; otherwise the node carries the matrix relative to the parent.
   const bool keepWorld =
       context.options.exportType != 0 && parentNode == context.documentRoot && item.parent().test();
-  const char* choice = "World";
-  double matrix[16];
-  std::copy(world, world + 16, matrix);
-  if (!keepWorld) {
-    double parentWorld[16];
-    double parentInverse[16];
-    if (locator.parentWorldMatrix(read, parentWorld) && matrix4::invert(parentWorld, parentInverse)) {
-      matrix4::multiply(world, parentInverse, matrix);
-      matrix4::snapRoundingNoise(matrix);
-      choice = "Local";
-    }
+  transform.rule = keepWorld ? Placement::World : Placement::Local;
+
+  NodeMatrix chosen = chooseNodeMatrix(world, parentKnown ? parentWorld : nullptr, transform.rule);
+  if (!chosen.finite) {
+    // NaN or infinity has no place in glTF: the node stays where its parent is.
+    context.log.error("Matrix of item:%s is not finite; its node keeps the identity", item.name().c_str());
+    matrix4::identity(chosen.matrix);
   }
-  context.document.setNodeMatrix(node, matrix);
-  context.log.info("   Using %s matrix", choice);
-  return VXR_OK;
+  context.document->setNodeMatrix(node, chosen.matrix);
+  context.log.info("   Using %s matrix", chosen.placement == Placement::World ? "World" : "Local");
 }

@@ -1,18 +1,17 @@
 #include "mesh_builder.h"
 
-#include <cstring>
-
 namespace {
 constexpr std::uint32_t kEnd = 0xffffffffu;
 constexpr unsigned kRememberedSlots = 32;
-}
+}  // namespace
 
-MeshBuilder::MeshBuilder(const MeshMaps& maps, unsigned pointCount, std::size_t indexCount, bool splitByTag)
-    : maps_(maps), splitByTag_(splitByTag), indexCount_(indexCount), pointHead_(pointCount, kEnd) {
-  uvBase_ = 4 * maps.colours.size();
-  tangentBase_ = uvBase_ + 3 * maps.uvs.size();
-  stride_ = tangentBase_ + 6 * maps.tangentBases.size();
-  corner_.resize(stride_);
+MeshBuilder::MeshBuilder(const CornerLayout& layout, unsigned pointCount, std::size_t indexCount, bool splitByTag)
+    : layout_(layout),
+      stride_(layout.stride()),
+      splitByTag_(splitByTag),
+      indexCount_(indexCount),
+      pointHead_(pointCount, kEnd),
+      corner_(layout.stride()) {
   // Most meshes have about one vertex per point; growing by doubling costs
   // more than the memory reserved here.
   vertexNext_.reserve(pointCount);
@@ -47,64 +46,36 @@ std::uint32_t MeshBuilder::primitiveFor(const char* tag) {
   return lastPrimitive_ = static_cast<std::uint32_t>(primitives_.size() - 1);
 }
 
-VxResult MeshBuilder::Polygon(const IVxPolygon& polygon) {
-  const char* tag = polygon.Tag(VX_PTAG_MATERIAL);
-  const std::uint32_t primitive = primitiveFor(tag ? tag : "Default");
+bool MeshBuilder::addPolygon(const char* tag, const unsigned* points, unsigned pointCount, const unsigned* triangles,
+                             unsigned triangleCount, CornerReader& reader) {
+  const std::size_t corners = 3 * std::size_t(triangleCount);
+  // A polygon without triangles adds nothing, not even an empty primitive.
+  if (corners == 0) return true;
+  for (std::size_t i = 0; i < corners; ++i)
+    if (triangles[i] >= pointHead_.size()) return false;
+
+  const std::uint32_t primitive = primitiveFor(tag);
   std::vector<std::uint32_t>& indices = primitives_[primitive].indices;
-
   // Large polygons skip the per-slot memory: its linear search would cost more than it saves.
-  const unsigned vertexCount = polygon.VertexCount();
-  const unsigned slots = vertexCount <= kRememberedSlots ? vertexCount : 0;
-  slotPoints_.resize(slots);
+  const unsigned slots = pointCount <= kRememberedSlots ? pointCount : 0;
   slotVertices_.assign(slots, kEnd);
-  for (unsigned slot = 0; slot < slots; ++slot) slotPoints_[slot] = polygon.PointByIndex(slot);
-
-  const unsigned triangles = polygon.TriangleCount();
-  for (unsigned t = 0; t < triangles; ++t) {
-    unsigned points[3];
-    if (VxFailed(polygon.Triangle(t, points))) continue;
-    for (unsigned point : points) {
-      if (point >= pointHead_.size()) return VXR_OUTOFBOUNDS;
-      // Polygons are small: a linear search finds the point's slot.
-      unsigned slot = 0;
-      while (slot < slots && slotPoints_[slot] != point) ++slot;
-      if (slot == slots) {
-        indices.push_back(vertexFor(polygon, primitive, point));
-        continue;
-      }
-      if (slotVertices_[slot] == kEnd) slotVertices_[slot] = vertexFor(polygon, primitive, point);
-      indices.push_back(slotVertices_[slot]);
+  for (std::size_t i = 0; i < corners; ++i) {
+    const unsigned point = triangles[i];
+    unsigned slot = 0;
+    while (slot < slots && points[slot] != point) ++slot;
+    if (slot == slots) {
+      indices.push_back(vertexFor(reader, primitive, point));
+      continue;
     }
+    if (slotVertices_[slot] == kEnd) slotVertices_[slot] = vertexFor(reader, primitive, point);
+    indices.push_back(slotVertices_[slot]);
   }
-  return VXR_OK;
+  return true;
 }
 
-std::uint32_t MeshBuilder::vertexFor(const IVxPolygon& polygon, std::uint32_t primitive, unsigned point) {
-  // The normal: the stored map's value at the corner, else the host's smoothed one.
+std::uint32_t MeshBuilder::vertexFor(CornerReader& reader, std::uint32_t primitive, unsigned point) {
   double normal[3] = {0.0, 0.0, 0.0};
-  float stored[6];
-  if (maps_.normal != VX_MAP_NONE && VxOk(polygon.MapEvaluate(maps_.normal, point, stored))) {
-    normal[0] = stored[0], normal[1] = stored[1], normal[2] = stored[2];
-  } else {
-    polygon.CornerNormal(point, normal);
-  }
-
-  float* value = corner_.data();
-  for (std::size_t i = 0; i < maps_.colours.size(); ++i, value += 4) {
-    value[0] = value[1] = value[2] = value[3] = 0.0f;
-    if (VxFailed(polygon.MapEvaluate(maps_.colours[i], point, value))) continue;
-    if (!maps_.colourHasAlpha[i]) value[3] = 1.0f;
-  }
-  for (VxMapID uv : maps_.uvs) {
-    value[0] = value[1] = 0.0f;
-    value[2] = VxOk(polygon.MapEvaluate(uv, point, value)) ? 1.0f : 0.0f;
-    value += 3;
-  }
-  for (VxMapID basis : maps_.tangentBases) {
-    std::memset(value, 0, 6 * sizeof(float));
-    polygon.MapEvaluate(basis, point, value);
-    value += 6;
-  }
+  reader.readCorner(point, normal, corner_.data());
 
   // Reuse a vertex of this point in this primitive whose values are all equal.
   PrimitiveBuild& build = primitives_[primitive];

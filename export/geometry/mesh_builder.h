@@ -1,48 +1,68 @@
-// Collects a mesh's triangles into glTF primitives while the host walks its
-// polygons: one primitive per material tag (or one in all), with one output
-// vertex per distinct combination of point and corner values.
+// Collects a mesh's triangles into glTF primitives: one primitive per
+// material tag (or one in all), with one output vertex per distinct
+// combination of point, normal and corner values. A plain class: the corner
+// values come from a CornerReader, so tests feed it plain arrays.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "host/mesh.h"
-#include "mesh_maps.h"
+// Where each kind of value sits among a corner's floats.
+struct CornerLayout {
+  std::size_t colours = 0;       // 4 floats each
+  std::size_t uvs = 0;           // u, v and a has-value flag (1 or 0)
+  std::size_t tangentBases = 0;  // tangent then bitangent, 6 floats each
 
-struct PrimitiveBuild {
-  std::string tag;                          // the polygons' material tag
-  std::vector<std::uint32_t> vertexPoint;   // per vertex: its mesh point
-  std::vector<double> normals;              // 3 per vertex, as the host gave them
-  std::vector<float> values;                // per vertex: the corner values, `stride` of them
-  std::vector<std::uint32_t> indices;       // 3 per triangle, in the host's order
+  std::size_t colourOffset(std::size_t set) const { return 4 * set; }
+  std::size_t uvOffset(std::size_t set) const { return 4 * colours + 3 * set; }
+  std::size_t tangentOffset(std::size_t set) const { return 4 * colours + 3 * uvs + 6 * set; }
+  std::size_t stride() const { return tangentOffset(tangentBases); }
 };
 
-class MeshBuilder : public IVxPolygonVisitor {
+// Reads the values of the current polygon's corner at a point.
+class CornerReader {
+ public:
+  virtual ~CornerReader() = default;
+  // `values` has room for the layout's stride.
+  virtual void readCorner(unsigned point, double normal[3], float* values) = 0;
+};
+
+struct PrimitiveBuild {
+  std::string tag;                         // the polygons' material tag
+  std::vector<std::uint32_t> vertexPoint;  // per vertex: its mesh point
+  std::vector<double> normals;             // 3 per vertex, as read
+  std::vector<float> values;               // per vertex: the corner values, `stride` of them
+  std::vector<std::uint32_t> indices;      // 3 per triangle, in the order added
+};
+
+class MeshBuilder {
  public:
   // `splitByTag`: one primitive per material tag in order of first use.
-  // `indexCount` (3 per host triangle) sizes the arrays up front.
-  MeshBuilder(const MeshMaps& maps, unsigned pointCount, std::size_t indexCount, bool splitByTag);
+  // `indexCount` (3 per triangle expected) sizes the arrays up front.
+  MeshBuilder(const CornerLayout& layout, unsigned pointCount, std::size_t indexCount, bool splitByTag);
 
-  VxResult Polygon(const IVxPolygon& polygon) override;
+  // Adds a polygon's triangles (3 points each) to the primitive of its tag.
+  // `points` are the polygon's own points: a point that several of its
+  // triangles share is read once. False, and nothing added, when a triangle
+  // names a point outside the mesh.
+  bool addPolygon(const char* tag, const unsigned* points, unsigned pointCount, const unsigned* triangles,
+                  unsigned triangleCount, CornerReader& reader);
 
   const std::vector<PrimitiveBuild>& primitives() const { return primitives_; }
-  // Where each kind of value sits inside a vertex's `values`.
-  std::size_t stride() const { return stride_; }
-  std::size_t colourOffset(std::size_t set) const { return 4 * set; }
-  std::size_t uvOffset(std::size_t set) const { return uvBase_ + 3 * set; }  // u, v, has-value
-  std::size_t tangentOffset(std::size_t set) const { return tangentBase_ + 6 * set; }
+  const CornerLayout& layout() const { return layout_; }
 
  private:
   std::uint32_t primitiveFor(const char* tag);
   PrimitiveBuild& newPrimitive();
-  // The primitive's vertex for the point as seen from the polygon, made when new.
-  std::uint32_t vertexFor(const IVxPolygon& polygon, std::uint32_t primitive, unsigned point);
+  // The primitive's vertex for the point as the reader sees it, made when new.
+  std::uint32_t vertexFor(CornerReader& reader, std::uint32_t primitive, unsigned point);
 
-  const MeshMaps& maps_;
+  const CornerLayout layout_;
+  const std::size_t stride_;
   const bool splitByTag_;
   const std::size_t indexCount_;
-  std::size_t uvBase_ = 0, tangentBase_ = 0, stride_ = 0;
   std::vector<PrimitiveBuild> primitives_;
   std::uint32_t lastPrimitive_ = 0;
 
@@ -53,8 +73,6 @@ class MeshBuilder : public IVxPolygonVisitor {
   std::vector<std::uint32_t> vertexLocal_;
 
   std::vector<float> corner_;  // scratch: the values of the corner being added
-  // Scratch per polygon: its points and the vertex each got, so that a point
-  // shared by several of the polygon's triangles is looked at once.
-  std::vector<unsigned> slotPoints_;
+  // Scratch per polygon: the vertex each of its points got.
   std::vector<std::uint32_t> slotVertices_;
 };

@@ -1,10 +1,12 @@
 // The vertex maps a mesh export registers, chosen and logged in a fixed order.
 #pragma once
 
+#include <string>
 #include <vector>
 
+#include "core/gltf_log_msg.h"
 #include "host/mesh.h"
-#include "plugin/gltf_log_msg.h"
+#include "mesh_builder.h"
 
 struct MeshMaps {
   VxMapID normal = VX_MAP_NONE;       // the first "NORM" map, when its identifier is valid
@@ -12,6 +14,11 @@ struct MeshMaps {
   std::vector<bool> colourHasAlpha;   // per colour map
   std::vector<VxMapID> uvs;           // "TXUV" maps sorted by name: set n is uvs[n]
   std::vector<VxMapID> tangentBases;  // "TBAS" maps, only with tangents on
+
+  CornerLayout layout() const { return {colours.size(), uvs.size(), tangentBases.size()}; }
 };
 
-MeshMaps chooseMeshMaps(const CVxMesh& mesh, bool tangents, GltfLogMsg& log);
+// A map whose values per element differ from what its kind holds (3 for
+// normals, 3 or 4 for colours, 2 for texture coordinates, 6 for tangent
+// bases) is left out with a counted error naming the item.
+MeshMaps chooseMeshMaps(const CVxMesh& mesh, const std::string& itemName, bool tangents, GltfLogMsg& log);

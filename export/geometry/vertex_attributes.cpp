@@ -52,11 +52,10 @@ std::vector<float> readPositions(const CVxMesh& mesh) {
   return positions;
 }
 
-std::vector<GltfAttribute> writeVertexAttributes(GltfDocument& document, const MeshBuilder& builder,
-                                                 const PrimitiveBuild& build, const MeshMaps& maps,
-                                                 const std::vector<float>& positions) {
+std::vector<GltfAttribute> writeVertexAttributes(GltfDocument& document, const CornerLayout& layout,
+                                                 const PrimitiveBuild& build, const std::vector<float>& positions) {
   const std::size_t vertices = build.vertexPoint.size();
-  const std::size_t stride = builder.stride();
+  const std::size_t stride = layout.stride();
   std::vector<GltfAttribute> attributes;
   std::vector<float> data;
 
@@ -74,9 +73,9 @@ std::vector<GltfAttribute> writeVertexAttributes(GltfDocument& document, const M
 
   // glTF colours lie in 0..1; the host's may be brighter than white or negative.
   data.resize(4 * vertices);
-  for (std::size_t set = 0; set < maps.colours.size(); ++set) {
+  for (std::size_t set = 0; set < layout.colours; ++set) {
     for (std::size_t v = 0; v < vertices; ++v) {
-      const float* colour = &build.values[v * stride + builder.colourOffset(set)];
+      const float* colour = &build.values[v * stride + layout.colourOffset(set)];
       for (int c = 0; c < 4; ++c) data[4 * v + c] = clampUnit(colour[c]);
     }
     attributes.push_back({"COLOR_" + std::to_string(set), document.addFloatAccessor(GltfAccessorType::Vec4, data, false)});
@@ -84,19 +83,19 @@ std::vector<GltfAttribute> writeVertexAttributes(GltfDocument& document, const M
 
   // The host's texture space is glTF's: (0, 0) at the image's top left, v running down.
   data.resize(2 * vertices);
-  for (std::size_t set = 0; set < maps.uvs.size(); ++set) {
+  for (std::size_t set = 0; set < layout.uvs; ++set) {
     for (std::size_t v = 0; v < vertices; ++v)
-      std::copy_n(&build.values[v * stride + builder.uvOffset(set)], 2, &data[2 * v]);
+      std::copy_n(&build.values[v * stride + layout.uvOffset(set)], 2, &data[2 * v]);
     attributes.push_back(
         {"TEXCOORD_" + std::to_string(set), document.addFloatAccessor(GltfAccessorType::Vec2, data, false)});
   }
 
   // glTF has one tangent set: the first basis map gives it. The tangent is
   // made unit and square to the normal; w tells the bitangent's side.
-  if (!maps.tangentBases.empty()) {
+  if (layout.tangentBases != 0) {
     data.resize(4 * vertices);
     for (std::size_t v = 0; v < vertices; ++v) {
-      const float* basis = &build.values[v * stride + builder.tangentOffset(0)];
+      const float* basis = &build.values[v * stride + layout.tangentOffset(0)];
       const Vec3& n = normals[v];
       const Vec3 bitangent{basis[3], basis[4], basis[5]};
       Vec3 tangent{basis[0], basis[1], basis[2]};

@@ -12,6 +12,5 @@ std::vector<float> readPositions(const CVxMesh& mesh);
 
 // Adds the accessors of POSITION, NORMAL, COLOR_n, TEXCOORD_n and TANGENT
 // and returns the attributes in that order.
-std::vector<GltfAttribute> writeVertexAttributes(GltfDocument& document, const MeshBuilder& builder,
-                                                 const PrimitiveBuild& build, const MeshMaps& maps,
-                                                 const std::vector<float>& positions);
+std::vector<GltfAttribute> writeVertexAttributes(GltfDocument& document, const CornerLayout& layout,
+                                                 const PrimitiveBuild& build, const std::vector<float>& positions);

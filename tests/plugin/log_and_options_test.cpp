@@ -6,8 +6,8 @@
 #include "fake_host.h"
 #include "host/user_values.h"
 #include "host/vx_host.h"
-#include "plugin/export_options.h"
-#include "plugin/gltf_log_msg.h"
+#include "core/export_options.h"
+#include "core/gltf_log_msg.h"
 
 namespace {
 

@@ -11,10 +11,4 @@ void multiply(const double a[16], const double b[16], double out[16]);
 // False (out untouched) when m is singular.
 bool invert(const double m[16], double out[16]);
 
-// Moves each element that lies within 1e-12 of a whole number (relative to
-// the largest element of its row, at least 1) onto that number: what only
-// rounding kept from 0 or 1 becomes 0 or 1, so that a child placed exactly on
-// its parent comes out as exactly the identity.
-void snapRoundingNoise(double m[16]);
-
 }  // namespace matrix4

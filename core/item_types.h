@@ -1,7 +1,7 @@
 // The host type codes the export looks up once per save.
 #pragma once
 
-#include "vexo/vx_scene.h"
+#include "host/item.h"
 
 struct ItemTypes {
   VxTypeCode scene, locator, groupLocator, camera, light, sunLight, pointLight, spotLight, areaLight,

@@ -1,6 +1,5 @@
 #include "matrix4.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace matrix4 {
@@ -62,17 +61,6 @@ bool invert(const double m[16], double out[16]) {
   const double scale = 1.0 / det;
   for (int i = 0; i < 16; ++i) out[i] = inv[i] * scale;
   return true;
-}
-
-void snapRoundingNoise(double m[16]) {
-  for (int row = 0; row < 4; ++row) {
-    double largest = 1.0;
-    for (int c = 0; c < 4; ++c) largest = std::max(largest, std::fabs(m[4 * row + c]));
-    for (int c = 0; c < 4; ++c) {
-      const double whole = std::round(m[4 * row + c]);
-      if (std::fabs(m[4 * row + c] - whole) < 1e-12 * largest) m[4 * row + c] = whole;
-    }
-  }
 }
 
 }  // namespace matrix4
