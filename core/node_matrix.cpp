@@ -23,7 +23,8 @@ void clearRoundingNoise(const double world[16], const double inverse[16], double
       double magnitude = 0.0;
       for (int k = 0; k < 4; ++k) magnitude += std::fabs(world[4 * r + k]) * std::fabs(inverse[4 * k + c]);
       double& value = local[4 * r + c];
-      if (std::fabs(value) <= kNoiseUlps * DBL_EPSILON * magnitude) value = 0.0;
+      // An overflow stays what it is, for the caller to see.
+      if (std::isfinite(magnitude) && std::fabs(value) <= kNoiseUlps * DBL_EPSILON * magnitude) value = 0.0;
     }
   }
 }
