@@ -12,12 +12,16 @@ struct NodeMatrix {
 };
 
 // `rule` World keeps the world matrix. Local divides the parent's world matrix
-// out: local = world × parent⁻¹ (row-major, row vectors). Without a parent
-// matrix (null), or with one that cannot be inverted, the node keeps its world
-// matrix and the result says World.
+// out: local = world × parent⁻¹ (row-major, row vectors). A parent matrix that
+// cannot be inverted (a scale of 0) gives `ownLocal`, the item's matrix from
+// its own transform stack, which under that parent lands where the host puts
+// the item. Without a parent matrix (null), or without `ownLocal` when it is
+// needed, the node keeps its world matrix and the result says World.
 //
-// Local elements that lie within the rounding error of their own computation
-// of zero are set to exactly zero, so that a child placed on its parent comes
-// out as the identity. The bound is a few units in the last place of the terms
-// summed for that element; a value larger than that is kept as it is.
-NodeMatrix chooseNodeMatrix(const double world[16], const double* parentWorld, Placement rule);
+// A world matrix equal to the parent's gives exactly the identity. Otherwise
+// local elements within the rounding error of their own computation (a few
+// units in the last place of the terms summed for them) are set to zero, but
+// only when the result, multiplied back by the parent, still gives `world`
+// element for element in single precision; else the product stays as computed.
+NodeMatrix chooseNodeMatrix(const double world[16], const double* parentWorld, Placement rule,
+                            const double* ownLocal = nullptr);

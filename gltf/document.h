@@ -25,6 +25,13 @@
 
 inline constexpr std::uint32_t kGltfNone = 0xffffffffu;
 
+// A node transform as glTF's translation, rotation (x, y, z, w) and scale.
+struct GltfTrs {
+  double translation[3];
+  double rotation[4];
+  double scale[3];
+};
+
 struct GltfSettings {
   std::int32_t separateFiles;    // non-zero: ".gltf" + ".bin"; zero: one ".glb"
   std::int32_t indices32;        // non-zero: every index accessor is unsigned int, else unsigned short
@@ -112,6 +119,11 @@ class GltfDocument {
   // matrix (identity when none was set), even when they are identity, so that
   // animation channels can target it. See gltfDecompose().
   void setNodeAnimated(std::uint32_t node);
+  // Writes the node as these "translation", "rotation" (x, y, z, w) and "scale"
+  // instead of "matrix", each key left out when it holds glTF's default. For a
+  // transform a matrix cannot carry in glTF, such as a scale of 0. The matrix
+  // set with setNodeMatrix stays what animation and skins decompose.
+  void setNodeTrs(std::uint32_t node, const GltfTrs& parts);
   void setNodeMesh(std::uint32_t node, std::uint32_t mesh);
   void setNodeCamera(std::uint32_t node, std::uint32_t camera);
   // The skin of a skinned mesh node. A skin that ends up with no joint is not
@@ -258,13 +270,8 @@ class GltfDocument {
   std::unique_ptr<Impl> impl_;
 };
 
-// The translation, rotation and scale of a row-major row-vector matrix:
-// translation = elements 12..14; rotation = the trace-method quaternion (x, y,
-// z, w) of the matrix as it stands, so a scaled matrix gives a quaternion that is
-// not of unit length; scale = the lengths of the first three rows (never negative).
-struct GltfTrs {
-  double translation[3];
-  double rotation[4];
-  double scale[3];
-};
+// The parts of a row-major row-vector matrix: translation = elements 12..14;
+// rotation = the trace-method quaternion of the matrix as it stands, so a
+// scaled matrix gives a quaternion that is not of unit length; scale = the
+// lengths of the first three rows (never negative).
 GltfTrs gltfDecompose(const double m[16]);

@@ -22,6 +22,9 @@ struct Node {
   double matrix[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
   bool hasMatrix = false;
   bool animated = false;
+  // Set by setNodeTrs: written as these parts instead of "matrix".
+  bool hasTrs = false;
+  GltfTrs trs{};
   std::uint32_t mesh = kGltfNone;
   std::uint32_t camera = kGltfNone;
   std::uint32_t skin = kGltfNone;

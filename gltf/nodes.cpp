@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <initializer_list>
 
 #include "gltf/document_impl.h"
 #include "gltf/write_tables.h"
@@ -29,6 +30,12 @@ void GltfDocument::setNodeMatrix(std::uint32_t node, const double m[16]) {
 
 void GltfDocument::setNodeAnimated(std::uint32_t node) {
   if (node != 0 && impl_->validNode(node)) impl_->nodes[node].animated = true;
+}
+
+void GltfDocument::setNodeTrs(std::uint32_t node, const GltfTrs& parts) {
+  if (node == 0 || !impl_->validNode(node)) return;
+  impl_->nodes[node].hasTrs = true;
+  impl_->nodes[node].trs = parts;
 }
 
 void GltfDocument::setNodeMesh(std::uint32_t node, std::uint32_t mesh) {
@@ -69,6 +76,16 @@ void addTransform(const GltfDocument::Impl& d, const Node& node, bool skinned, V
     addMember(object, "rotation", numbers(parts.rotation, 4, allocator), allocator);
     addMember(object, "translation", numbers(parts.translation, 3, allocator), allocator);
     addMember(object, "scale", numbers(parts.scale, 3, allocator), allocator);
+  } else if (node.hasTrs) {
+    // glTF's defaults are left out, as for an identity matrix.
+    const GltfTrs& parts = node.trs;
+    const auto is = [](const double* v, std::initializer_list<float> expected) {
+      return std::equal(expected.begin(), expected.end(), v, [](float e, double x) { return toFloat(x) == e; });
+    };
+    if (!is(parts.translation, {0, 0, 0}))
+      addMember(object, "translation", numbers(parts.translation, 3, allocator), allocator);
+    if (!is(parts.rotation, {0, 0, 0, 1})) addMember(object, "rotation", numbers(parts.rotation, 4, allocator), allocator);
+    if (!is(parts.scale, {1, 1, 1})) addMember(object, "scale", numbers(parts.scale, 3, allocator), allocator);
   } else if (node.hasMatrix && !isIdentity(node.matrix)) {
     addMember(object, "matrix", numbers(node.matrix, 16, allocator), allocator);
   }

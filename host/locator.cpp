@@ -19,6 +19,10 @@ bool CVxLocator::parentWorldMatrix(const CVxChannelRead& read, double matrix[16]
   return locator_ && read.test() && VxOk(locator_->ParentWorldMatrix(read.raw(), matrix));
 }
 
+bool CVxLocator::localMatrix(const CVxChannelRead& read, double matrix[16]) const {
+  return locator_ && read.test() && VxOk(locator_->LocalMatrix(read.raw(), matrix));
+}
+
 CVxChannelLinks::CVxChannelLinks(const CVxUser_Scene& scene) {
   IVxLocatorService* service = locatorService(scene);
   links_ = service ? service->ChannelLinks() : nullptr;

@@ -13,6 +13,8 @@ class CVxLocator {
   bool test() const { return locator_ != nullptr; }
   bool worldMatrix(const CVxChannelRead& read, double matrix[16]) const;
   bool parentWorldMatrix(const CVxChannelRead& read, double matrix[16]) const;
+  // The product of the item's own transform stack.
+  bool localMatrix(const CVxChannelRead& read, double matrix[16]) const;
 
   unsigned transformCount() const { return locator_ ? locator_->TransformCount() : 0; }
   CVxUser_Item transform(unsigned index) const {

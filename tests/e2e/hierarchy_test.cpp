@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 
 #include "gltf_reader.h"
@@ -115,6 +116,45 @@ TEST(Hierarchy, DeepChainsKeepTheirWorldPlacement) {
   const SavedScene out = exportScene(dir, "{ \"items\": [" + items + "] }", {"--set", "sceneio.gltf.save.exportType=0"});
   ASSERT_EQ(out.gltf.nodes.size(), 12u);
   expectWorldMatricesMatchTheHost(out, dir.file("scene.json"));
+}
+
+TEST(Hierarchy, FlattenedParentsKeepTheHostsPlacement) {
+  // A scale of 0 has no inverse: the child below carries its own stack, and
+  // the flattened nodes are written as translation, rotation and scale.
+  const char* const scene = R"({
+    "items": [
+      { "name": "Flat", "type": "locator", "position": [1, 2, 3], "rotation": [10, 20, 30], "scale": [0, 1, 1],
+        "children": [ { "name": "OnFlat", "type": "locator", "position": [1, 0.5, 0], "rotation": [0, 45, 0] } ] },
+      { "name": "Line", "type": "locator", "scale": [0, 0, 2] },
+      { "name": "Mirror", "type": "locator", "scale": [-1, 0, 1] }
+    ]
+  })";
+  TempDir dir;
+  const SavedScene out = exportScene(dir, scene, {"--set", "sceneio.gltf.save.exportType=0"});
+  expectWorldMatricesMatchTheHost(out, dir.file("scene.json"));
+  EXPECT_NE(out.bytes.find(R"({"name":"Line","scale":[0.0,0.0,2.0]})"), std::string::npos) << out.bytes;
+  EXPECT_NE(out.bytes.find(R"({"name":"Mirror","rotation":[0.0,0.0,1.0,0.0],"scale":[1.0,0.0,1.0]})"),
+            std::string::npos)
+      << out.bytes;
+}
+
+TEST(Hierarchy, CameraValuesAreKeptWhereGltfAllowsThem) {
+  const char* const scene = R"({
+    "items": [
+      { "name": "Pinhole", "type": "camera", "channels": { "apertureY": 1e-50, "clipNear": 1e-46 } },
+      { "name": "Wide", "type": "camera", "channels": { "apertureY": 1e50, "clipNear": 1e300 } }
+    ]
+  })";
+  TempDir dir;
+  const SavedScene out = exportScene(dir, scene, {"--set", "sceneio.gltf.save.exportType=0"});
+  ASSERT_EQ(out.gltf.cameras.size(), 2u);
+  EXPECT_EQ(out.gltf.cameras[0].znear, static_cast<double>(FLT_MIN));
+  EXPECT_EQ(out.gltf.cameras[0].yfov, static_cast<double>(FLT_MIN));
+  EXPECT_EQ(static_cast<float>(out.gltf.cameras[1].znear), FLT_MAX);
+  EXPECT_LT(out.gltf.cameras[1].yfov, M_PI);
+  EXPECT_TRUE(out.run.printed("warning: Camera:Pinhole znear 1e-46 is out of range; written as 1.17549435e-38"))
+      << out.run.errText();
+  EXPECT_TRUE(out.run.printed("warning: There are 4 warnings and 0 errors reported to event log"));
 }
 
 TEST(Hierarchy, SelectionExportsSelectedItemsAloneInWorldSpace) {
