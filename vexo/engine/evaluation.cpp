@@ -71,10 +71,33 @@ bool Evaluation::matrix(const Item& locator, MatrixChannel which, Matrix& out) {
   return true;
 }
 
+// The nearest ancestor that is a locator, or null.
+const Item* Evaluation::locatorAncestor(const Item& item) const {
+  const Item* parent = item.parent();
+  while (parent && !scene_.locatorTypes().isLocator(parent->typeCode())) parent = parent->parent();
+  return parent;
+}
+
+bool Evaluation::hierarchyParentWorld(const Item& item, Matrix& out) {
+  const Item* ancestor = locatorAncestor(item);
+  if (!ancestor) {
+    out = identityMatrix();
+    return true;
+  }
+  return matrix(*ancestor, MatrixChannel::World, out);
+}
+
 bool Evaluation::compute(const Item& locator, MatrixChannel which, Matrix& out) {
-  const std::pair<const Item*, MatrixChannel> key(&locator, which);
-  if (std::find(active_.begin(), active_.end(), key) != active_.end()) return false;
-  active_.push_back(key);
+  const MatrixKey key(&locator, which);
+  if (active_.empty() && computedRevision_ != scene_.valueRevision()) {
+    computed_.clear();
+    computedRevision_ = scene_.valueRevision();
+  }
+  if (auto known = computed_.find(key); known != computed_.end()) {
+    out = known->second;
+    return true;
+  }
+  if (active_.size() >= kMaxDepth || !active_.insert(key).second) return false;
 
   bool ok = true;
   Matrix a, b;
@@ -86,14 +109,9 @@ bool Evaluation::compute(const Item& locator, MatrixChannel which, Matrix& out) 
         if (ok) out = multiply(out, a);
       }
       break;
-    case MatrixChannel::Parent: {
-      const Item* parent = locator.parent();
-      if (parent && scene_.locatorTypes().isLocator(parent->typeCode()))
-        ok = matrix(*parent, MatrixChannel::World, out);
-      else
-        out = identityMatrix();
+    case MatrixChannel::Parent:
+      ok = hierarchyParentWorld(locator, out);
       break;
-    }
     case MatrixChannel::World:
       ok = matrix(locator, MatrixChannel::Local, a) && matrix(locator, MatrixChannel::Parent, b);
       if (ok) out = multiply(a, b);
@@ -109,7 +127,8 @@ bool Evaluation::compute(const Item& locator, MatrixChannel which, Matrix& out) 
       }
       break;
   }
-  active_.pop_back();
+  active_.erase(key);
+  if (ok) computed_.emplace(key, out);
   return ok;
 }
 
