@@ -255,6 +255,7 @@ TEST(SceneFile, NumbersReadAsTheValueTheyWrite) {
   }
   const std::string tooBig = "number beyond the largest double (about 1.8e308)";
   EXPECT_EQ(readError("{\"time\": 1e400}"), "scene.json:1:10: " + tooBig);
+  EXPECT_EQ(readError("{\"time\": 0e400}"), "scene.json:1:10: " + tooBig);
   EXPECT_EQ(readError("{\"time\": -1000e306}"), "scene.json:1:10: " + tooBig);
   EXPECT_EQ(readError("{\"time\": 1.7976931348623159e308}"), "scene.json:1:10: " + tooBig);
   EXPECT_EQ(readError("{\"items\": [{\"name\": \"M\", \"type\": \"mesh\",\n \"mesh\": {\"points\": [[0, 2e308, 0]]}}]}"),
