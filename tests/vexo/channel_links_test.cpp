@@ -75,11 +75,13 @@ TEST(ChannelLinks, ALinkedParentMatrixUnderAnotherLocatorKeepsThatLocatorAsTheNo
 
 TEST(ChannelLinks, AChainOfLocatorsPlacedByEachOtherEvaluatesThroughout) {
   // Each locator's parent matrix is the world matrix of the one before: the last sits at the sum of all.
-  constexpr int kCount = 3000;
+  // Listed last first, so that reading the last one needs the whole chain at once.
+  constexpr int kCount = 12000;
   std::string text = R"({"items": [)";
   std::string links;
   for (int i = 0; i < kCount; ++i) {
-    text += std::string(i ? "," : "") + R"({"name": "L)" + std::to_string(i) + R"(", "type": "locator", "position": [1, 0, 0]})";
+    text += std::string(i ? "," : "") + R"({"name": "L)" + std::to_string(kCount - 1 - i) +
+            R"(", "type": "locator", "position": [1, 0, 0]})";
     if (i) links += std::string(i > 1 ? "," : "") + R"({"from": "L)" + std::to_string(i - 1) + R"(.worldMatrix", "to": "L)" +
                     std::to_string(i) + R"(.parentMatrix"})";
   }

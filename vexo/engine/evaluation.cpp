@@ -87,6 +87,65 @@ bool Evaluation::hierarchyParentWorld(const Item& item, Matrix& out) {
   return matrix(*ancestor, MatrixChannel::World, out);
 }
 
+std::optional<Evaluation::MatrixKey> Evaluation::computedSource(const Item& locator, MatrixChannel which) const {
+  const int channel = scene_.locatorTypes().matrixChannel(which);
+  if (channel < 0) return MatrixKey(&locator, which);
+  const auto [from, fromChannel] = source(locator, static_cast<std::size_t>(channel));
+  if (auto fromWhich = scene_.locatorTypes().matrixChannelAt(from->typeCode(), fromChannel))
+    return MatrixKey(from, *fromWhich);
+  return std::nullopt;
+}
+
+bool Evaluation::computeDependencies(const MatrixKey& top) {
+  struct Step {
+    MatrixKey key;
+    bool expanded;
+  };
+  std::vector<Step> pending = {{top, false}};
+  std::unordered_set<MatrixKey, MatrixKeyHash> onPath;  // expanded, not yet computed
+  std::optional<MatrixKey> needs[2];
+  while (!pending.empty()) {
+    const MatrixKey key = pending.back().key;
+    if (pending.back().expanded) {
+      pending.pop_back();
+      onPath.erase(key);
+      Matrix m;
+      if (key != top && !computed_.count(key) && !compute(*key.first, key.second, m)) return false;
+      continue;
+    }
+    if (computed_.count(key)) {
+      pending.pop_back();
+      continue;
+    }
+    pending.back().expanded = true;
+    onPath.insert(key);
+    const Item& locator = *key.first;
+    needs[0] = needs[1] = std::nullopt;
+    switch (key.second) {
+      case MatrixChannel::Local:
+        break;
+      case MatrixChannel::Parent:
+        if (const Item* ancestor = locatorAncestor(locator)) needs[0] = computedSource(*ancestor, MatrixChannel::World);
+        break;
+      case MatrixChannel::World:
+        needs[0] = computedSource(locator, MatrixChannel::Local);
+        needs[1] = computedSource(locator, MatrixChannel::Parent);
+        break;
+      case MatrixChannel::WorldPosition:
+      case MatrixChannel::WorldRotation:
+      case MatrixChannel::WorldScale:
+        needs[0] = computedSource(locator, MatrixChannel::World);
+        break;
+    }
+    for (const std::optional<MatrixKey>& need : needs) {
+      if (!need || computed_.count(*need)) continue;
+      if (onPath.count(*need)) return false;  // it needs itself
+      pending.push_back({*need, false});
+    }
+  }
+  return true;
+}
+
 bool Evaluation::compute(const Item& locator, MatrixChannel which, Matrix& out) {
   const MatrixKey key(&locator, which);
   if (active_.empty() && computedRevision_ != scene_.valueRevision()) {
@@ -97,7 +156,8 @@ bool Evaluation::compute(const Item& locator, MatrixChannel which, Matrix& out) 
     out = known->second;
     return true;
   }
-  if (active_.size() >= kMaxDepth || !active_.insert(key).second) return false;
+  if (active_.empty() && !computeDependencies(key)) return false;
+  if (!active_.insert(key).second) return false;
 
   bool ok = true;
   Matrix a, b;

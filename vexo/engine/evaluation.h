@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -54,17 +55,21 @@ class Evaluation {
   // matrix depends on itself.
   bool hierarchyParentWorld(const Item& item, Matrix& out);
 
-  // How many matrices may wait on each other in one evaluation: deeper
-  // chains (through links and parents) fail to evaluate rather than exhaust the stack.
-  static constexpr std::size_t kMaxDepth = 10000;
-
  private:
   // The channel whose stored or computed value a channel reads: the end of its chain of links.
   std::pair<const Item*, std::size_t> source(const Item& item, std::size_t channel) const;
   // The one place stored values are looked up, so that values varying in time can be evaluated here.
   const Value& stored(const Item& item, std::size_t channel) const;
+  using MatrixKey = std::pair<const Item*, MatrixChannel>;
   bool compute(const Item& locator, MatrixChannel which, Matrix& out);
   const Item* locatorAncestor(const Item& item) const;
+  // The computed matrix that reading a locator's matrix leads to through its
+  // links; none when the reading ends at a stored value.
+  std::optional<MatrixKey> computedSource(const Item& locator, MatrixChannel which) const;
+  // Computes, deepest first and without recursion, the matrices `key` needs
+  // that are not known yet, so that a long chain never deepens the call
+  // stack. False when one of them depends on itself.
+  bool computeDependencies(const MatrixKey& key);
   // A transform channel's value by name; `fallback` when the item has no such channel.
   double channelNumber(const Item& item, const char* name, double fallback);
   Vector3 vector3(const Item& item, const char* x, const char* y, const char* z, double fallback);
@@ -73,7 +78,6 @@ class Evaluation {
   std::string action_;
   double time_;
   Value scratch_;
-  using MatrixKey = std::pair<const Item*, MatrixChannel>;
   struct MatrixKeyHash {
     std::size_t operator()(const MatrixKey& key) const {
       return std::hash<const void*>()(key.first) * 8 + static_cast<std::size_t>(key.second);
