@@ -26,7 +26,9 @@ class IVxLocator {
   // Matrices as the channels evaluate through `read` (its action and time).
   virtual VxResult WorldMatrix(IVxChannelRead* read, double matrix[16]) = 0;
   virtual VxResult LocalMatrix(IVxChannelRead* read, double matrix[16]) = 0;
-  // The parent's world matrix; the identity for a parentless item.
+  // The world matrix of the item's nearest locator ancestor (items that are
+  // not locators are skipped); the identity when it has none. A link into the
+  // item's "parentMatrix" channel moves its world matrix, not this one.
   virtual VxResult ParentWorldMatrix(IVxChannelRead* read, double matrix[16]) = 0;
 
   // The transform stack, in evaluation order.

@@ -51,11 +51,47 @@ TEST(ChannelLinks, ALinkedChannelReadsItsSourceInTheSameAction) {
 
 TEST(ChannelLinks, MatrixLinksPlaceALocator) {
   SceneFixture f(twoLocators(R"({"from": "B.worldMatrix", "to": "A.parentMatrix"})"));
-  expectMatrixNear(f.parentWorld("A"), translationMatrix({4, 5, 6}), "A parent");
   expectMatrixNear(f.world("A"), translationMatrix({5, 7, 9}), "A world");
+  // The channel reads its source; the frame A's node hangs under stays A's hierarchy parent's, none here.
+  Matrix channel{};
+  ASSERT_EQ(f.reader()->Matrix(f.item("A"), f.channel("A", "parentMatrix"), channel.data()), VXR_OK);
+  expectMatrixNear(channel, translationMatrix({4, 5, 6}), "A parentMatrix channel");
+  expectMatrixNear(f.parentWorld("A"), identityMatrix(), "A parent world");
   SceneFixture g(twoLocators(R"({"from": "B.worldMatrix", "to": "A.parentMatrix"},
                                 {"from": "B.localMatrix", "to": "A.worldMatrix"})"));
   expectMatrixNear(g.world("A"), translationMatrix({4, 5, 6}), "A world, driven");
+}
+
+TEST(ChannelLinks, ALinkedParentMatrixUnderAnotherLocatorKeepsThatLocatorAsTheNodeFrame) {
+  // The world is local x the linked channel; the module places the node as world x inverse(parent world).
+  SceneFixture f(R"({"items": [
+      {"name": "P", "type": "locator", "position": [10, 0, 0], "children": [
+        {"name": "C", "type": "locator", "position": [0, 0, 5]}]},
+      {"name": "S", "type": "locator", "position": [0, 7, 0]}],
+    "links": [{"from": "S.worldMatrix", "to": "C.parentMatrix"}]})");
+  expectMatrixNear(f.world("C"), translationMatrix({0, 7, 5}), "C world");
+  expectMatrixNear(f.parentWorld("C"), translationMatrix({10, 0, 0}), "C parent world");
+}
+
+TEST(ChannelLinks, AChainOfLocatorsPlacedByEachOtherEvaluatesThroughout) {
+  // Each locator's parent matrix is the world matrix of the one before: the last sits at the sum of all.
+  // Listed last first, so that reading the last one needs the whole chain at once.
+  constexpr int kCount = 12000;
+  std::string text = R"({"items": [)";
+  std::string links;
+  for (int i = 0; i < kCount; ++i) {
+    text += std::string(i ? "," : "") + R"({"name": "L)" + std::to_string(kCount - 1 - i) +
+            R"(", "type": "locator", "position": [1, 0, 0]})";
+    if (i) links += std::string(i > 1 ? "," : "") + R"({"from": "L)" + std::to_string(i - 1) + R"(.worldMatrix", "to": "L)" +
+                    std::to_string(i) + R"(.parentMatrix"})";
+  }
+  SceneFixture f(text + R"(], "links": [)" + links + "]}");
+  EXPECT_EQ(f.world("L" + std::to_string(kCount - 1))[12], double(kCount));
+  EXPECT_EQ(f.world("L1000")[12], 1001.0);
+  // A value changed afterwards is seen by the next read.
+  Item* first = findItemByRef(f.scene, "L0/Position", nullptr);
+  first->setValue(f.channel("L0/Position", "pos.X"), "edit", 2.0);
+  EXPECT_EQ(f.world("L" + std::to_string(kCount - 1))[12], double(kCount + 1));
 }
 
 TEST(ChannelLinks, AMatrixThatNeedsItselfFailsInsteadOfRecursing) {

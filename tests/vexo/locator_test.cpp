@@ -93,6 +93,23 @@ TEST(Locator, ThreeLevelsCombineLocalWithParentWorld) {
   expectMatrixNear(f.world("Leaf"), {0, 2, 0, 0, -1, 0, 0, 0, 0, 0, 1, 0, 9, 1, 0, 1}, "Leaf world");
 }
 
+// A "group" (no locator) between two locators passes its parent's frame on, as the exported nodes do.
+TEST(Locator, ItemsThatAreNoLocatorsAreTransparentInTheHierarchy) {
+  SceneFixture f(R"({"items": [
+    {"name": "Root", "type": "locator", "position": [10, 0, 0], "children": [
+      {"name": "Team", "type": "group", "children": [
+        {"name": "Crew", "type": "actor", "children": [{"name": "Leaf", "type": "locator", "position": [0, 0, 3]}]}]}]},
+    {"name": "Loose", "type": "group", "children": [{"name": "Top", "type": "locator", "position": [0, 2, 0]}]}]})");
+  expectMatrixNear(f.parentWorld("Leaf"), translationMatrix({10, 0, 0}), "Leaf parent world");
+  expectMatrixNear(f.world("Leaf"), translationMatrix({10, 0, 3}), "Leaf world");
+  Matrix channel{};
+  ASSERT_EQ(f.reader()->Matrix(f.item("Leaf"), f.channel("Leaf", "parentMatrix"), channel.data()), VXR_OK);
+  expectMatrixNear(channel, translationMatrix({10, 0, 0}), "Leaf parentMatrix channel");
+  // No locator above: the world frame.
+  expectMatrixNear(f.parentWorld("Top"), identityMatrix(), "Top parent world");
+  expectMatrixNear(f.world("Top"), translationMatrix({0, 2, 0}), "Top world");
+}
+
 TEST(Locator, MatrixChannelsReadWhatTheLocatorComputesAndMirrorsKeepAProperRotation) {
   SceneFixture f(R"({"items": [
     {"name": "Root", "type": "locator", "position": [10, 0, 0], "rotation": [0, 0, 90],

@@ -1,7 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <limits>
 #include <string>
 
+#include "mesh/mesh_data.h"
 #include "scene_fixture.h"
 
 namespace vexo {
@@ -159,8 +167,102 @@ TEST(SceneFile, FilesThatCannotBeRead) {
   EXPECT_EQ(error, "/nonexistent/scene.json: cannot read the scene file: No such file or directory");
   EXPECT_FALSE(readSceneFile("/tmp", scene, error));
   EXPECT_EQ(error, "/tmp: cannot read the scene file: it is a folder");
+  // Endless streams are refused before a byte is read; a FIFO without a writer does not block.
+  EXPECT_FALSE(readSceneFile("/dev/zero", scene, error));
+  EXPECT_EQ(error, "/dev/zero: cannot read the scene file: it is not a regular file");
+  const std::string fifo = ::testing::TempDir() + "scene-fifo.json";
+  std::remove(fifo.c_str());
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  EXPECT_FALSE(readSceneFile(fifo, scene, error));
+  EXPECT_EQ(error, fifo + ": cannot read the scene file: it is not a regular file");
+  std::remove(fifo.c_str());
+  // One byte over the limit (a sparse file, nothing written).
+  const std::string big = ::testing::TempDir() + "scene-big.json";
+  {
+    std::ofstream out(big);
+  }
+  ASSERT_EQ(::truncate(big.c_str(), static_cast<off_t>(kMaxSceneFileSize + 1)), 0);
+  EXPECT_FALSE(readSceneFile(big, scene, error));
+  EXPECT_EQ(error, big + ": cannot read the scene file: it is larger than the largest scene file, 2147483648 bytes");
+  std::remove(big.c_str());
   EXPECT_FALSE(readSceneText(std::string("{\"items\": [\0]}", 14), "z.json", scene, error));
   EXPECT_EQ(error, "z.json:1:12: zero byte in the text");
+}
+
+TEST(SceneFile, TextEncodingAtTheEdges) {
+  // A byte-order mark is skipped; columns count from after it.
+  SceneFixture bom("\xEF\xBB\xBF{\"items\": [{\"name\": \"A\", \"type\": \"locator\"}]}");
+  EXPECT_NE(bom.scene.findIdent("A"), nullptr);
+  EXPECT_EQ(readError("\xEF\xBB\xBF{x"), "scene.json:1:2: expected a key in double quotes");
+  // A surrogate pair is one character; its halves alone, a zero character or a text cut inside a character are refused.
+  SceneFixture pair(R"({"items": [{"name": "\ud83d\ude00", "type": "locator"}]})");
+  EXPECT_NE(pair.scene.findIdent("\xF0\x9F\x98\x80"), nullptr);
+  const std::string lone = "a string holds a \\u escape of a lone surrogate (\\uD800 to \\uDFFF without its pair)";
+  const std::string zero = "a string holds the character U+0000 (\\u0000), which names and texts cannot carry";
+  const struct {
+    std::string text, message;
+  } cases[] = {
+      {R"({"items": [{"name": "\udc00", "type": "locator"}]})", "scene.json:1:21: " + lone},
+      {R"({"items": [{"name": "\ud800x", "type": "locator"}]})", "scene.json:1:22: invalid surrogate pair in a string"},
+      {R"({"items": [{"name": "A\u0000B", "type": "locator"}]})", "scene.json:1:21: " + zero},
+      {R"({"items": [{"name\u0000": "A", "type": "locator"}]})", "scene.json:1:13: " + zero},
+      {"{\"items\": [{\"name\": \"M\", \"type\": \"mesh\",\n  \"mesh\": {\"materials\": [\"a\", \"\\u0000\"]}}]}",
+       "scene.json:2:31: " + zero},
+      {"{\"items\": [{\"name\": \"M\", \"type\": \"mesh\",\n  \"mesh\": {\"maps\": [{\"name\": \"\\udfff\"}]}}]}",
+       "scene.json:2:30: " + lone},
+  };
+  for (const auto& c : cases) EXPECT_EQ(readError(c.text), c.message) << c.text;
+  // Cut after a lead byte, with or without some of its continuation bytes: never read past the text.
+  for (const char* cut : {"\xE2", "\xE2\x82", "\xF0", "\xF0\x9F\x98", "\xF4\x8F", "\xE0"}) {
+    const std::string text = std::string("{\"items\": [{\"name\": \"long enough to live on the heap ") + cut;
+    const std::string error = readError(text);
+    EXPECT_EQ(error.rfind("scene.json:1:", 0), 0u) << error;
+  }
+}
+
+// The value each number's text writes, correctly rounded, in the tree and in a mesh alike.
+TEST(SceneFile, NumbersReadAsTheValueTheyWrite) {
+  const struct {
+    const char* text;
+    double value;
+  } cases[] = {
+      {"0e38", 0.0},
+      {"0.0e-999", 0.0},
+      {"-0", -0.0},
+      {"-0.0", -0.0},
+      {"4.9e-324", std::numeric_limits<double>::denorm_min()},
+      {"2.2250738585072011e-308", 2.2250738585072011e-308},
+      {"2.2250738585072014e-308", std::numeric_limits<double>::min()},
+      {"1e-400", 0.0},
+      {"1.7976931348623157e308", std::numeric_limits<double>::max()},
+      // 0.1 written out in full, and the halfway point between 1 and the next double, which rounds to even
+      {"0.1000000000000000055511151231257827021181583404541015625", 0.1},
+      {"1.00000000000000011102230246251565404236316680908203125", 1.0},
+      {"1.00000000000000011102230246251565404236316680908203126", 1.0000000000000002},
+      {"9007199254740993", 9007199254740992.0},
+      {"123456789012345678901234567890", 1.2345678901234568e29},
+      {"0.3", 0.3},
+      {"7e22", 7e22},
+  };
+  for (const auto& c : cases) {
+    SceneFixture f(std::string("{\"time\": ") + c.text + ",\n \"items\": [{\"name\": \"M\", \"type\": \"mesh\", \"mesh\": " +
+                   "{\"points\": [[" + c.text + ", 0, 0]], \"smoothingAngle\": 0}}]}");
+    EXPECT_EQ(f.scene.time(), c.value) << c.text;
+    EXPECT_EQ(std::signbit(f.scene.time()), std::signbit(c.value)) << c.text;
+    MeshData* mesh = f.scene.meshes().ownMesh(*f.scene.findIdent("M"));
+    ASSERT_NE(mesh, nullptr);
+    EXPECT_EQ(mesh->point(0).x, c.value) << c.text << " in a mesh";
+  }
+  const std::string tooBig = "number beyond the largest double (about 1.8e308)";
+  EXPECT_EQ(readError("{\"time\": 1e400}"), "scene.json:1:10: " + tooBig);
+  EXPECT_EQ(readError("{\"time\": 0e400}"), "scene.json:1:10: " + tooBig);
+  EXPECT_EQ(readError("{\"time\": -1000e306}"), "scene.json:1:10: " + tooBig);
+  EXPECT_EQ(readError("{\"time\": 1.7976931348623159e308}"), "scene.json:1:10: " + tooBig);
+  EXPECT_EQ(readError("{\"items\": [{\"name\": \"M\", \"type\": \"mesh\",\n \"mesh\": {\"points\": [[0, 2e308, 0]]}}]}"),
+            "scene.json:2:26: " + tooBig);
+  // Integers stay exact up to 64 bits.
+  SceneFixture big(R"({"items": [{"name": "R", "type": "polyRender", "channels": {"resX": -2147483648}}]})");
+  EXPECT_EQ(big.number("R", "resX"), -2147483648.0);
 }
 
 }  // namespace

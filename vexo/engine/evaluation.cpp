@@ -71,10 +71,93 @@ bool Evaluation::matrix(const Item& locator, MatrixChannel which, Matrix& out) {
   return true;
 }
 
+// The nearest ancestor that is a locator, or null.
+const Item* Evaluation::locatorAncestor(const Item& item) const {
+  const Item* parent = item.parent();
+  while (parent && !scene_.locatorTypes().isLocator(parent->typeCode())) parent = parent->parent();
+  return parent;
+}
+
+bool Evaluation::hierarchyParentWorld(const Item& item, Matrix& out) {
+  const Item* ancestor = locatorAncestor(item);
+  if (!ancestor) {
+    out = identityMatrix();
+    return true;
+  }
+  return matrix(*ancestor, MatrixChannel::World, out);
+}
+
+std::optional<Evaluation::MatrixKey> Evaluation::computedSource(const Item& locator, MatrixChannel which) const {
+  const int channel = scene_.locatorTypes().matrixChannel(which);
+  if (channel < 0) return MatrixKey(&locator, which);
+  const auto [from, fromChannel] = source(locator, static_cast<std::size_t>(channel));
+  if (auto fromWhich = scene_.locatorTypes().matrixChannelAt(from->typeCode(), fromChannel))
+    return MatrixKey(from, *fromWhich);
+  return std::nullopt;
+}
+
+bool Evaluation::computeDependencies(const MatrixKey& top) {
+  struct Step {
+    MatrixKey key;
+    bool expanded;
+  };
+  std::vector<Step> pending = {{top, false}};
+  std::unordered_set<MatrixKey, MatrixKeyHash> onPath;  // expanded, not yet computed
+  std::optional<MatrixKey> needs[2];
+  while (!pending.empty()) {
+    const MatrixKey key = pending.back().key;
+    if (pending.back().expanded) {
+      pending.pop_back();
+      onPath.erase(key);
+      Matrix m;
+      if (key != top && !computed_.count(key) && !compute(*key.first, key.second, m)) return false;
+      continue;
+    }
+    if (computed_.count(key)) {
+      pending.pop_back();
+      continue;
+    }
+    pending.back().expanded = true;
+    onPath.insert(key);
+    const Item& locator = *key.first;
+    needs[0] = needs[1] = std::nullopt;
+    switch (key.second) {
+      case MatrixChannel::Local:
+        break;
+      case MatrixChannel::Parent:
+        if (const Item* ancestor = locatorAncestor(locator)) needs[0] = computedSource(*ancestor, MatrixChannel::World);
+        break;
+      case MatrixChannel::World:
+        needs[0] = computedSource(locator, MatrixChannel::Local);
+        needs[1] = computedSource(locator, MatrixChannel::Parent);
+        break;
+      case MatrixChannel::WorldPosition:
+      case MatrixChannel::WorldRotation:
+      case MatrixChannel::WorldScale:
+        needs[0] = computedSource(locator, MatrixChannel::World);
+        break;
+    }
+    for (const std::optional<MatrixKey>& need : needs) {
+      if (!need || computed_.count(*need)) continue;
+      if (onPath.count(*need)) return false;  // it needs itself
+      pending.push_back({*need, false});
+    }
+  }
+  return true;
+}
+
 bool Evaluation::compute(const Item& locator, MatrixChannel which, Matrix& out) {
-  const std::pair<const Item*, MatrixChannel> key(&locator, which);
-  if (std::find(active_.begin(), active_.end(), key) != active_.end()) return false;
-  active_.push_back(key);
+  const MatrixKey key(&locator, which);
+  if (active_.empty() && computedRevision_ != scene_.valueRevision()) {
+    computed_.clear();
+    computedRevision_ = scene_.valueRevision();
+  }
+  if (auto known = computed_.find(key); known != computed_.end()) {
+    out = known->second;
+    return true;
+  }
+  if (active_.empty() && !computeDependencies(key)) return false;
+  if (!active_.insert(key).second) return false;
 
   bool ok = true;
   Matrix a, b;
@@ -86,14 +169,9 @@ bool Evaluation::compute(const Item& locator, MatrixChannel which, Matrix& out) 
         if (ok) out = multiply(out, a);
       }
       break;
-    case MatrixChannel::Parent: {
-      const Item* parent = locator.parent();
-      if (parent && scene_.locatorTypes().isLocator(parent->typeCode()))
-        ok = matrix(*parent, MatrixChannel::World, out);
-      else
-        out = identityMatrix();
+    case MatrixChannel::Parent:
+      ok = hierarchyParentWorld(locator, out);
       break;
-    }
     case MatrixChannel::World:
       ok = matrix(locator, MatrixChannel::Local, a) && matrix(locator, MatrixChannel::Parent, b);
       if (ok) out = multiply(a, b);
@@ -109,7 +187,8 @@ bool Evaluation::compute(const Item& locator, MatrixChannel which, Matrix& out) 
       }
       break;
   }
-  active_.pop_back();
+  active_.erase(key);
+  if (ok) computed_.emplace(key, out);
   return ok;
 }
 

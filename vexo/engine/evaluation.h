@@ -1,11 +1,21 @@
 // Channel values as they evaluate in one action at one time: links are
 // followed, and a locator's matrices are computed from its transform stack
 // and its parents.
+//
+// Items that are not locators are transparent in the hierarchy: a locator's
+// parent frame is the world matrix of its nearest locator ancestor. Computed
+// matrices are kept until the scene's values change, so a chain of locators
+// placed by each other evaluates once, in time linear in its length.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -39,12 +49,27 @@ class Evaluation {
   // The matrix of one transform item alone, from its channels.
   bool transformMatrix(const Item& transform, Matrix& out);
 
+  // The world matrix of the item's nearest locator ancestor (the frame of the
+  // node the item hangs under), the identity when it has none. Unlike the
+  // "parentMatrix" channel it ignores links into that channel. False when the
+  // matrix depends on itself.
+  bool hierarchyParentWorld(const Item& item, Matrix& out);
+
  private:
   // The channel whose stored or computed value a channel reads: the end of its chain of links.
   std::pair<const Item*, std::size_t> source(const Item& item, std::size_t channel) const;
   // The one place stored values are looked up, so that values varying in time can be evaluated here.
   const Value& stored(const Item& item, std::size_t channel) const;
+  using MatrixKey = std::pair<const Item*, MatrixChannel>;
   bool compute(const Item& locator, MatrixChannel which, Matrix& out);
+  const Item* locatorAncestor(const Item& item) const;
+  // The computed matrix that reading a locator's matrix leads to through its
+  // links; none when the reading ends at a stored value.
+  std::optional<MatrixKey> computedSource(const Item& locator, MatrixChannel which) const;
+  // Computes, deepest first and without recursion, the matrices `key` needs
+  // that are not known yet, so that a long chain never deepens the call
+  // stack. False when one of them depends on itself.
+  bool computeDependencies(const MatrixKey& key);
   // A transform channel's value by name; `fallback` when the item has no such channel.
   double channelNumber(const Item& item, const char* name, double fallback);
   Vector3 vector3(const Item& item, const char* x, const char* y, const char* z, double fallback);
@@ -53,8 +78,16 @@ class Evaluation {
   std::string action_;
   double time_;
   Value scratch_;
+  struct MatrixKeyHash {
+    std::size_t operator()(const MatrixKey& key) const {
+      return std::hash<const void*>()(key.first) * 8 + static_cast<std::size_t>(key.second);
+    }
+  };
   // The matrices being computed, to catch one that needs itself.
-  std::vector<std::pair<const Item*, MatrixChannel>> active_;
+  std::unordered_set<MatrixKey, MatrixKeyHash> active_;
+  // The matrices computed since the scene's values last changed.
+  std::unordered_map<MatrixKey, Matrix, MatrixKeyHash> computed_;
+  std::uint64_t computedRevision_ = 0;
 };
 
 }  // namespace vexo

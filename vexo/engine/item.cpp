@@ -4,11 +4,12 @@
 
 namespace vexo {
 
-Item::Item(const ItemType& type, std::string name, std::string ident)
-    : type_(&type), name_(std::move(name)), ident_(std::move(ident)), values_(type.channels.size()) {}
+Item::Item(const ItemType& type, std::string name, std::string ident, std::uint64_t* changes)
+    : type_(&type), name_(std::move(name)), ident_(std::move(ident)), values_(type.channels.size()), changes_(changes) {}
 
 bool Item::setValue(std::size_t channel, std::string_view action, Value value) {
   if (channel >= values_.size() || valueTypeOf(value) != this->channel(channel).type) return false;
+  if (changes_) ++*changes_;
   ActionValues& values = values_[channel];
   auto it = values.find(action);
   if (it == values.end())

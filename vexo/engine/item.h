@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
@@ -20,7 +21,8 @@ inline constexpr std::string_view kEditAction = "edit";
 
 class Item {
  public:
-  Item(const ItemType& type, std::string name, std::string ident);
+  // `changes`, when given, is counted up whenever a value is set.
+  Item(const ItemType& type, std::string name, std::string ident, std::uint64_t* changes = nullptr);
   Item(const Item&) = delete;
   Item& operator=(const Item&) = delete;
 
@@ -65,6 +67,7 @@ class Item {
   Item* mainTransforms_[kMainTransformCount] = {};
   Item* stackOwner_ = nullptr;
   std::vector<ActionValues> values_;  // one per channel
+  std::uint64_t* changes_;
 };
 
 }  // namespace vexo

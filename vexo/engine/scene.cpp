@@ -6,25 +6,45 @@
 
 namespace vexo {
 
-std::string uniqueIdent(std::string_view base, const std::function<bool(const std::string&)>& taken) {
-  std::string ident(base);
-  for (unsigned n = 2; taken(ident); ++n) ident = std::string(base) + " (" + std::to_string(n) + ")";
+std::string uniqueIdent(std::string_view base, const std::function<bool(const std::string&)>& taken,
+                        unsigned* next) {
+  // Candidate 1 is the base itself, candidate k > 1 "base (k)".
+  unsigned k = next ? std::max(*next, 1u) : 1u;
+  std::string ident;
+  for (;; ++k) {
+    ident = k == 1 ? std::string(base) : std::string(base) + " (" + std::to_string(k) + ")";
+    if (!taken(ident)) break;
+  }
+  if (next) *next = k + 1;
   return ident;
 }
 
 namespace {
 
+// An item by ident or only name, without the "LOCATOR/NAME" form: a transform
+// item has no stack, so LOCATOR never needs that form itself.
+Item* findIdentOrName(const Scene& scene, std::string_view ref) {
+  if (Item* item = scene.findIdent(ref)) return item;
+  return scene.findName(ref);
+}
+
 // "LOCATOR/NAME": the one transform item called NAME in the stack of the
-// locator LOCATOR names. Each "/" is tried as the separator, last one first.
+// locator LOCATOR names. Each "/" is tried as the separator, last one first;
+// a part longer than any ident or name cannot name anything and is not looked up.
 Item* findStackItemByRef(const Scene& scene, std::string_view ref) {
+  const std::size_t longest = scene.longestName();
+  if (ref.size() > 2 * longest + 1) return nullptr;
   for (std::size_t slash = ref.rfind('/'); slash != std::string_view::npos && slash > 0;
        slash = ref.rfind('/', slash - 1)) {
-    const Item* locator = findItemByRef(scene, ref.substr(0, slash), nullptr);
+    const std::string_view name = ref.substr(slash + 1);
+    if (name.size() > longest) break;  // and so for every earlier slash
+    if (slash > longest) continue;
+    const Item* locator = findIdentOrName(scene, ref.substr(0, slash));
     if (!locator) continue;
     Item* found = nullptr;
     unsigned count = 0;
     for (Item* transform : locator->transforms()) {
-      if (transform->name() == ref.substr(slash + 1)) {
+      if (transform->name() == name) {
         found = transform;
         ++count;
       }
@@ -38,15 +58,8 @@ Item* findStackItemByRef(const Scene& scene, std::string_view ref) {
 
 Item* findItemByRef(const Scene& scene, std::string_view ref, std::string* problem) {
   if (Item* item = scene.findIdent(ref)) return item;
-  Item* found = nullptr;
-  unsigned count = 0;
-  for (std::size_t i = 0; i < scene.itemCount(); ++i) {
-    if (scene.item(i).name() == ref) {
-      found = &scene.item(i);
-      ++count;
-    }
-  }
-  if (count == 1) return found;
+  std::size_t count = 0;
+  if (Item* found = scene.findName(ref, &count)) return found;
   if (count == 0) {
     if (Item* transform = findStackItemByRef(scene, ref)) return transform;
   }
@@ -67,9 +80,14 @@ Item* Scene::insertItem(const ItemType& type, std::string name, std::string iden
     auto found = std::find_if(items_.rbegin(), items_.rend(), [after](const auto& item) { return item.get() == after; });
     if (found != items_.rend()) position = found.base();
   }
-  Item* item = items_.insert(position, std::make_unique<Item>(type, std::move(name), std::move(ident)))->get();
+  Item* item =
+      items_.insert(position, std::make_unique<Item>(type, std::move(name), std::move(ident), &valueRevision_))->get();
   byIdent_.emplace(item->ident(), item);
+  Named& named = byName_.try_emplace(item->name(), Named{item, 0}).first->second;
+  ++named.count;
+  longestName_ = std::max({longestName_, item->ident().size(), item->name().size()});
   ++revision_;
+  ++valueRevision_;
   return item;
 }
 
@@ -120,8 +138,18 @@ void Scene::addToItemList(Item& item) {
 }
 
 Item* Scene::findIdent(std::string_view ident) const {
+  if (ident.size() > longestName_) return nullptr;
   auto it = byIdent_.find(std::string(ident));
   return it == byIdent_.end() ? nullptr : it->second;
+}
+
+Item* Scene::findName(std::string_view name, std::size_t* count) const {
+  if (count) *count = 0;
+  if (name.size() > longestName_) return nullptr;
+  auto it = byName_.find(std::string(name));
+  if (it == byName_.end()) return nullptr;
+  if (count) *count = it->second.count;
+  return it->second.count == 1 ? it->second.item : nullptr;
 }
 
 std::vector<Item*> Scene::itemsOfType(TypeCode type) const {

@@ -24,14 +24,19 @@ namespace vexo {
 inline constexpr std::string_view kItemSelection = "item";
 
 // `base` when `taken` says it is free, else "base (2)", "base (3)", ...
-std::string uniqueIdent(std::string_view base, const std::function<bool(const std::string&)>& taken);
+// With `next`, the numbers below *next are known taken and skipped, and
+// *next moves past the one returned: many items of one name stay linear.
+std::string uniqueIdent(std::string_view base, const std::function<bool(const std::string&)>& taken,
+                        unsigned* next = nullptr);
 
 class Scene;
 
 // An item named by a user: the item with that ident, else the only item with
 // that name, else, for "LOCATOR/NAME", the only transform item called NAME in
-// the stack of the locator LOCATOR names. Null when there is none or the name
-// is shared; `problem` then says which.
+// the stack of the locator LOCATOR names (by ident or only name; each "/" is
+// tried, the last first). Null when there is none or the name is shared;
+// `problem` then says which. Each try is one hash lookup, so the time grows
+// with the reference's length, not with the scene's size.
 Item* findItemByRef(const Scene& scene, std::string_view ref, std::string* problem);
 
 // How a new locator's transform stack starts.
@@ -70,6 +75,11 @@ class Scene {
   std::size_t itemCount() const { return items_.size(); }
   Item& item(std::size_t index) const { return *items_[index]; }  // scene order
   Item* findIdent(std::string_view ident) const;
+  // The one item with this name; null when none or several have it, and then
+  // `count`, when given, says how many.
+  Item* findName(std::string_view name, std::size_t* count = nullptr) const;
+  // The length of the longest ident or name: no longer text can name an item.
+  std::size_t longestName() const { return longestName_; }
   // Items whose type derives from `type`, in scene order; kNoType gives every item.
   std::vector<Item*> itemsOfType(TypeCode type) const;
 
@@ -79,7 +89,10 @@ class Scene {
   const std::vector<Item*>& selection(std::string_view selectionType = kItemSelection) const;
 
   // Links between channels of this scene's items (see ChannelLinks::add).
-  bool addLink(const ChannelLink& link, std::string* problem) { return links_.add(link, problem); }
+  bool addLink(const ChannelLink& link, std::string* problem) {
+    ++valueRevision_;
+    return links_.add(link, problem);
+  }
   const ChannelLinks& links() const { return links_; }
 
   // The ordered list of items a host hands to "export these items"; an item
@@ -95,6 +108,9 @@ class Scene {
 
   // Changes whenever items are added, so views over the item list know when to refresh.
   std::uint64_t revision() const { return revision_; }
+  // Changes whenever anything an evaluation reads may have changed: items,
+  // links, any item's values. Lets an evaluation keep what it computed.
+  std::uint64_t valueRevision() const { return valueRevision_; }
 
  private:
   // Inserts an item right after `after` in scene order, or at the end.
@@ -104,12 +120,19 @@ class Scene {
   LocatorTypes locatorTypes_;
   std::vector<std::unique_ptr<Item>> items_;
   std::unordered_map<std::string, Item*> byIdent_;
+  struct Named {
+    Item* item;
+    std::size_t count;
+  };
+  std::unordered_map<std::string, Named> byName_;
+  std::size_t longestName_ = 0;
   std::map<std::string, std::vector<Item*>, std::less<>> selections_;
   ChannelLinks links_;
   std::vector<Item*> itemList_;
   MeshStore meshes_{*types_};
   double time_ = 0.0;
   std::uint64_t revision_ = 0;
+  std::uint64_t valueRevision_ = 0;
 };
 
 }  // namespace vexo

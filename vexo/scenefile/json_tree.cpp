@@ -5,8 +5,11 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <limits>
 #include <utility>
+
+#include "scenefile/json_number.h"
 
 namespace vexo {
 namespace {
@@ -14,32 +17,68 @@ namespace {
 // Deep enough for any scene, shallow enough that the tree's recursive
 // destruction cannot exhaust the stack.
 constexpr std::size_t kMaxDepth = 512;
+constexpr const char* kTooDeep = "values nested too deeply";
 
+// Numbers come as text and are converted here: the reader's own conversion
+// is not correctly rounded, and its full-precision one misreads some inputs.
 constexpr unsigned kParseFlags = rapidjson::kParseCommentsFlag | rapidjson::kParseTrailingCommasFlag |
-                                 rapidjson::kParseFullPrecisionFlag | rapidjson::kParseValidateEncodingFlag;
+                                 rapidjson::kParseNumbersAsStringsFlag | rapidjson::kParseValidateEncodingFlag;
 
-// Maps byte offsets to line and column.
+constexpr const char* kTooBig = "number beyond the largest double (about 1.8e308)";
+
+bool isContinuationByte(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
+
+// Maps byte offsets to line and column in O(log n) each, however long the
+// lines: the characters before every block of bytes are counted once.
 class TextPositions {
  public:
   explicit TextPositions(std::string_view text) : text_(text) {
     lineStarts_.push_back(0);
-    for (std::size_t i = 0; i < text.size(); ++i)
-      if (text[i] == '\n') lineStarts_.push_back(i + 1);
+    for (const char* p = text.data(); (p = static_cast<const char*>(std::memchr(p, '\n', text.size() - (p - text.data()))));)
+      lineStarts_.push_back(static_cast<std::size_t>(++p - text.data()));
+    std::size_t characters = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      if (i % kBlock == 0) blockCharacters_.push_back(characters);
+      characters += !isContinuationByte(text[i]);
+    }
   }
 
   TextPos at(std::size_t offset) const {
+    offset = std::min(offset, text_.size());
     auto next = std::upper_bound(lineStarts_.begin(), lineStarts_.end(), offset);
     std::size_t line = static_cast<std::size_t>(next - lineStarts_.begin()) - 1;
-    unsigned column = 1;
-    for (std::size_t i = lineStarts_[line]; i < offset && i < text_.size(); ++i)
-      if ((static_cast<unsigned char>(text_[i]) & 0xC0) != 0x80) ++column;  // skip UTF-8 continuation bytes
-    return {static_cast<unsigned>(line + 1), column};
+    const std::size_t column = charactersBefore(offset) - charactersBefore(lineStarts_[line]) + 1;
+    return {static_cast<unsigned>(line + 1), static_cast<unsigned>(column)};
   }
 
  private:
+  static constexpr std::size_t kBlock = 256;
+
+  std::size_t charactersBefore(std::size_t offset) const {
+    if (blockCharacters_.empty()) return 0;
+    const std::size_t block = std::min(offset / kBlock, blockCharacters_.size() - 1);
+    std::size_t characters = blockCharacters_[block];
+    for (std::size_t i = block * kBlock; i < offset; ++i) characters += !isContinuationByte(text_[i]);
+    return characters;
+  }
+
   std::string_view text_;
   std::vector<std::size_t> lineStarts_;
+  std::vector<std::size_t> blockCharacters_;  // characters before each block's first byte
 };
+
+// What a decoded string may not hold: a zero character, which names and texts
+// handed on as C strings cannot carry, and a lone surrogate escape, which
+// decodes to bytes that are not UTF-8 (0xED then 0xA0 to 0xBF). Null when it is fine.
+const char* stringProblem(const char* s, std::size_t length) {
+  if (std::memchr(s, '\0', length)) return "a string holds the character U+0000 (\\u0000), which names and texts cannot carry";
+  for (const char* p = s; (p = static_cast<const char*>(std::memchr(p, '\xED', length - (p - s))));) {
+    ++p;
+    if (p < s + length && (static_cast<unsigned char>(*p) & 0xE0) == 0xA0)
+      return "a string holds a \\u escape of a lone surrogate (\\uD800 to \\uDFFF without its pair)";
+  }
+  return nullptr;
+}
 
 // Skips what can stand between two values: white space, separators and comments.
 std::size_t skipFiller(std::string_view text, std::size_t i) {
@@ -62,13 +101,15 @@ std::size_t skipFiller(std::string_view text, std::size_t i) {
 }
 
 // A string stream the reader uses in place rather than through a local copy,
-// so that its position is current whenever a handler runs.
+// so that its position is current whenever a handler runs. Past the end it
+// gives zeros, which the reader takes for the end: a character cut short at
+// the end of the text is never read beyond it.
 class TextStream {
  public:
   using Ch = char;
-  explicit TextStream(const char* text) : begin_(text), cur_(text) {}
-  Ch Peek() const { return *cur_; }
-  Ch Take() { return *cur_++; }
+  explicit TextStream(std::string_view text) : begin_(text.data()), cur_(text.data()), end_(text.data() + text.size()) {}
+  Ch Peek() const { return cur_ < end_ ? *cur_ : '\0'; }
+  Ch Take() { return cur_ < end_ ? *cur_++ : '\0'; }
   std::size_t Tell() const { return static_cast<std::size_t>(cur_ - begin_); }
   Ch* PutBegin() { return nullptr; }
   void Put(Ch) {}
@@ -78,6 +119,7 @@ class TextStream {
  private:
   const char* begin_;
   const char* cur_;
+  const char* end_;
 };
 
 // Builds the tree from the reader's events. Each event comes right after the
@@ -96,22 +138,29 @@ class TreeBuilder {
     node.boolean = b;
     return add(std::move(node));
   }
-  bool Int(int i) { return integer(i); }
-  bool Uint(unsigned u) { return integer(u); }
-  bool Int64(std::int64_t i) { return integer(i); }
-  bool Uint64(std::uint64_t u) {
-    if (u > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) return Double(static_cast<double>(u));
-    return integer(static_cast<std::int64_t>(u));
-  }
-  bool Double(double d) {
-    if (inRaw_) return rawScalar();
+  // Numbers come as text (kParseNumbersAsStringsFlag), never through these.
+  bool Int(int) { return false; }
+  bool Uint(unsigned) { return false; }
+  bool Int64(std::int64_t) { return false; }
+  bool Uint64(std::uint64_t) { return false; }
+  bool Double(double) { return false; }
+  bool RawNumber(const char* s, rapidjson::SizeType length, bool) {
+    const std::string_view text(s, length);
+    JsonNumber number;
+    if (inRaw_) {
+      // Raw numbers are converted by their owner; here they are only checked.
+      if (jsonNumberMayOverflow(text) && !readJsonNumber(text, number)) return refuse(kTooBig);
+      return rawScalar();
+    }
+    if (!readJsonNumber(text, number)) return refuse(kTooBig);
     JsonNode node;
-    node.kind = JsonNode::Kind::Float;
-    node.number = d;
+    node.kind = number.isInteger ? JsonNode::Kind::Integer : JsonNode::Kind::Float;
+    node.integer = number.integer;
+    node.number = number.number;
     return add(std::move(node));
   }
-  bool RawNumber(const char*, rapidjson::SizeType, bool) { return false; }  // not requested
   bool String(const char* s, rapidjson::SizeType length, bool) {
+    if (const char* problem = stringProblem(s, length)) return refuse(problem);
     if (inRaw_) return rawScalar();
     JsonNode node;
     node.kind = JsonNode::Kind::String;
@@ -120,7 +169,11 @@ class TreeBuilder {
   }
   bool StartObject() { return inRaw_ ? rawOpen() : open(JsonNode::Kind::Object); }
   bool Key(const char* s, rapidjson::SizeType length, bool) {
-    if (inRaw_) return true;
+    if (const char* problem = stringProblem(s, length)) return refuse(problem);
+    if (inRaw_) {
+      lastEnd_ = stream_.Tell();
+      return true;
+    }
     JsonMember member;
     member.key.assign(s, length);
     member.keyPos = start();
@@ -133,9 +186,17 @@ class TreeBuilder {
   bool EndArray(rapidjson::SizeType) { return inRaw_ ? rawClose() : close(); }
 
   JsonNode& root() { return root_; }
-  const TextPos& tooDeepAt() const { return tooDeepAt_; }
+  // Why the builder stopped the reader.
+  const JsonError& failure() const { return failure_; }
 
  private:
+  // Where the value or key the reader just took starts.
+  TextPos here() const { return positions_.at(skipFiller(text_, lastEnd_)); }
+  bool refuse(const char* message) {
+    failure_ = {here(), message};
+    return false;
+  }
+
   TextPos start() {
     TextPos pos = positions_.at(skipFiller(text_, lastEnd_));
     lastEnd_ = stream_.Tell();
@@ -154,38 +215,34 @@ class TreeBuilder {
     lastEnd_ = raw_.rawEnd = stream_.Tell();
     return place(std::move(raw_));
   }
+  // Inside a raw value each event still moves `lastEnd_`, so that a refusal can point at its value.
   bool rawScalar() {
-    if (rawDepth_ > 0) return true;
+    if (rawDepth_ > 0) {
+      lastEnd_ = stream_.Tell();
+      return true;
+    }
     beginRaw();
     return endRaw();
   }
   bool rawOpen() {
     if (rawDepth_ == 0) beginRaw();
-    if (stack_.size() + ++rawDepth_ > kMaxDepth) {
-      tooDeepAt_ = positions_.at(stream_.Tell() - 1);  // the bracket just taken
-      return false;
-    }
+    if (stack_.size() + ++rawDepth_ > kMaxDepth) return refuse(kTooDeep);
+    lastEnd_ = stream_.Tell();
     return true;
   }
-  bool rawClose() { return --rawDepth_ > 0 ? true : endRaw(); }
-
-  bool integer(std::int64_t i) {
-    if (inRaw_) return rawScalar();
-    JsonNode node;
-    node.kind = JsonNode::Kind::Integer;
-    node.integer = i;
-    node.number = static_cast<double>(i);
-    return add(std::move(node));
+  bool rawClose() {
+    if (--rawDepth_ > 0) {
+      lastEnd_ = stream_.Tell();
+      return true;
+    }
+    return endRaw();
   }
 
   bool open(JsonNode::Kind kind) {
     JsonNode node;
     node.kind = kind;
+    if (stack_.size() >= kMaxDepth) return refuse(kTooDeep);
     node.pos = start();
-    if (stack_.size() >= kMaxDepth) {
-      tooDeepAt_ = node.pos;
-      return false;
-    }
     stack_.push_back(std::move(node));
     return true;
   }
@@ -223,7 +280,7 @@ class TreeBuilder {
   std::size_t lastEnd_ = 0;
   std::vector<JsonNode> stack_;
   JsonNode root_;
-  TextPos tooDeepAt_;
+  JsonError failure_;
 };
 
 // Follows the reader's events with the path of the current value and stops
@@ -323,7 +380,7 @@ const char* syntaxMessage(rapidjson::ParseErrorCode code) {
       {kParseErrorStringEscapeInvalid, "invalid escape in a string"},
       {kParseErrorStringMissQuotationMark, "missing closing '\"' of a string"},
       {kParseErrorStringInvalidEncoding, "invalid UTF-8 in a string"},
-      {kParseErrorNumberTooBig, "number too big"},
+      {kParseErrorNumberTooBig, kTooBig},
       {kParseErrorNumberMissFraction, "missing digits after the decimal point"},
       {kParseErrorNumberMissExponent, "missing digits in the exponent"},
       {kParseErrorUnspecificSyntaxError, "unclosed comment, or a '/' that starts no comment"},
@@ -342,35 +399,31 @@ const char* jsonKindName(JsonNode::Kind kind) {
 }
 
 bool parseJson(std::string_view text, JsonNode& root, JsonError& error, const JsonRawRule& raw) {
-  // The stream needs a terminating zero, which a string_view does not promise,
-  // and would take a zero byte inside the text for the end.
-  std::string buffer(text);
-  TextPositions positions(buffer);
-  if (std::size_t zero = buffer.find('\0'); zero != std::string::npos) {
-    error = {positions.at(zero), "zero byte in the text"};
+  TextPositions positions(text);
+  // The reader takes a zero byte for the end of the text.
+  if (const void* zero = std::memchr(text.data(), '\0', text.size())) {
+    error = {positions.at(static_cast<std::size_t>(static_cast<const char*>(zero) - text.data())), "zero byte in the text"};
     return false;
   }
-  TextStream stream(buffer.c_str());
-  TreeBuilder builder(buffer, stream, positions, raw);
+  TextStream stream(text);
+  TreeBuilder builder(text, stream, positions, raw);
   rapidjson::Reader reader;
   rapidjson::ParseResult result = reader.Parse<kParseFlags>(stream, builder);
   if (result) {
     root = std::move(builder.root());
     return true;
   }
-  if (result.Code() == rapidjson::kParseErrorTermination) {
-    error = {builder.tooDeepAt(), "values nested too deeply"};
-  } else {
+  if (result.Code() == rapidjson::kParseErrorTermination)
+    error = builder.failure();
+  else
     error = {positions.at(result.Offset()), syntaxMessage(result.Code())};
-  }
   return false;
 }
 
 std::size_t findJsonValue(std::string_view text, const std::vector<std::size_t>& path, bool key) {
   if (key && path.empty()) return std::string_view::npos;
-  const std::string buffer(text);  // the stream stops at a terminating zero
-  TextStream stream(buffer.c_str());
-  ValueFinder finder(buffer, stream, path, key);
+  TextStream stream(text);
+  ValueFinder finder(text, stream, path, key);
   rapidjson::Reader reader;
   reader.Parse<kParseFlags>(stream, finder);
   return finder.offset();

@@ -279,18 +279,18 @@ bool SceneReader::readLinks(const JsonNode& links) {
 // as the separator, and exactly one reading must name an item and one of its channels.
 bool SceneReader::readChannelRef(const JsonNode& node, const std::string& what, Item*& item, std::size_t& channel) {
   if (!expect(node, Kind::String, what)) return false;
-  const std::string& text = node.text;
+  const std::string_view text = node.text;
   unsigned readings = 0;
   const Item* firstItem = nullptr;
   std::string firstItemRef, firstChannel;
   for (std::size_t dot = text.find('.'); dot != std::string::npos; dot = text.find('.', dot + 1)) {
-    const std::string ref = text.substr(0, dot), name = text.substr(dot + 1);
+    const std::string_view ref = text.substr(0, dot), name = text.substr(dot + 1);
     Item* candidate = findItemByRef(scene_, ref, nullptr);
     if (!candidate) continue;
     if (!firstItem) {
       firstItem = candidate;
-      firstItemRef = ref;
-      firstChannel = name;
+      firstItemRef = std::string(ref);
+      firstChannel = std::string(name);
     }
     const int index = scene_.types().findChannel(candidate->typeCode(), name);
     if (index < 0) continue;

@@ -1,7 +1,10 @@
 #include "scenefile/mesh_reader.h"
 
 #include <rapidjson/document.h>
+#include <rapidjson/memorystream.h>
+#include <rapidjson/reader.h>
 
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -9,6 +12,7 @@
 #include <unordered_map>
 
 #include "mesh/mesh_data.h"
+#include "scenefile/json_number.h"
 #include "vexo/vx_mesh.h"
 
 namespace vexo {
@@ -19,7 +23,54 @@ using KeyNames = std::vector<const char*>;
 
 // As the positioned tree parses: the raw text has already passed its checks.
 constexpr unsigned kParseFlags =
-    rapidjson::kParseCommentsFlag | rapidjson::kParseTrailingCommasFlag | rapidjson::kParseFullPrecisionFlag;
+    rapidjson::kParseCommentsFlag | rapidjson::kParseTrailingCommasFlag | rapidjson::kParseNumbersAsStringsFlag;
+
+// Hands the reader's events to a document, numbers converted as the
+// positioned tree converts them (correctly rounded).
+class NumberConverter {
+ public:
+  using Ch = char;
+  using SizeType = rapidjson::SizeType;
+  explicit NumberConverter(rapidjson::Document& doc) : doc_(doc) {}
+
+  bool Null() { return doc_.Null(); }
+  bool Bool(bool b) { return doc_.Bool(b); }
+  bool Int(int) { return false; }  // numbers come as text
+  bool Uint(unsigned) { return false; }
+  bool Int64(std::int64_t) { return false; }
+  bool Uint64(std::uint64_t) { return false; }
+  bool Double(double) { return false; }
+  bool RawNumber(const Ch* s, SizeType length, bool) {
+    JsonNumber number;
+    if (!readJsonNumber({s, length}, number)) return false;
+    // "-0" is a float, so that it keeps its sign.
+    if (!number.isInteger || std::signbit(number.number)) return doc_.Double(number.number);
+    return doc_.Int64(number.integer);
+  }
+  bool String(const Ch* s, SizeType length, bool copy) { return doc_.String(s, length, copy); }
+  bool StartObject() { return doc_.StartObject(); }
+  bool Key(const Ch* s, SizeType length, bool copy) { return doc_.Key(s, length, copy); }
+  bool EndObject(SizeType count) { return doc_.EndObject(count); }
+  bool StartArray() { return doc_.StartArray(); }
+  bool EndArray(SizeType count) { return doc_.EndArray(count); }
+
+ private:
+  rapidjson::Document& doc_;
+};
+
+// Parses `text` into `doc`; false when it does not parse.
+bool parseMeshText(std::string_view text, rapidjson::Document& doc) {
+  bool parsed = false;
+  auto generate = [&](rapidjson::Document& handler) {
+    NumberConverter converter(handler);
+    rapidjson::MemoryStream stream(text.data(), text.size());
+    rapidjson::Reader reader;
+    parsed = !reader.Parse<kParseFlags>(stream, converter).IsError();
+    return parsed;
+  };
+  doc.Populate(generate);
+  return parsed;
+}
 
 const KeyNames kMeshKeys = {"points", "polygons", "materials", "smoothingAngle", "maps"};
 const KeyNames kMapKeys = {"type", "name", "points", "corners"};
@@ -74,8 +125,7 @@ class MeshValueReader {
   bool read() {
     const std::string_view span = text_.substr(raw_.rawBegin, raw_.rawEnd - raw_.rawBegin);
     rapidjson::Document doc;
-    doc.Parse<kParseFlags>(span.data(), span.size());
-    if (doc.HasParseError()) return fail("the mesh is not valid JSON");
+    if (!parseMeshText(span, doc)) return fail("the mesh is not valid JSON");
     if (!doc.IsObject()) return fail("\"mesh\" takes an object, not " + describe(doc));
     std::vector<const Value*> members;
     if (!readKeys(doc, kMeshKeys, "in a mesh", members)) return false;

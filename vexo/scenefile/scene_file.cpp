@@ -1,11 +1,14 @@
 #include "scenefile/scene_file.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <limits>
 #include <sstream>
 
@@ -111,10 +114,10 @@ bool SceneReader::reserveId(const JsonNode& id) {
   return true;
 }
 
-std::string SceneReader::freeIdent(const std::string& base) const {
-  return uniqueIdent(base, [this](const std::string& candidate) {
-    return scene_.findIdent(candidate) || ids_.count(candidate);
-  });
+std::string SceneReader::freeIdent(const std::string& base) {
+  return uniqueIdent(
+      base, [this](const std::string& candidate) { return scene_.findIdent(candidate) || ids_.count(candidate); },
+      &nextSuffix_[base]);
 }
 
 // Explicit ids are gathered first, so that items named later cannot take them as generated idents.
@@ -268,6 +271,8 @@ bool SceneReader::readSelection(const JsonNode& selection) {
 }
 
 bool readSceneText(std::string_view text, const std::string& fileName, Scene& scene, std::string& error) {
+  // Editors may start a UTF-8 file with a byte-order mark; lines and columns count from after it.
+  if (text.substr(0, 3) == "\xEF\xBB\xBF") text.remove_prefix(3);
   JsonNode root;
   JsonError syntax;
   if (!parseJson(text, root, syntax, isItemMeshValue)) {
@@ -282,19 +287,43 @@ bool readSceneText(std::string_view text, const std::string& fileName, Scene& sc
 }
 
 bool readSceneFile(const std::string& path, Scene& scene, std::string& error) {
-  std::error_code ec;
-  if (std::filesystem::is_directory(path, ec)) {
-    error = path + ": cannot read the scene file: it is a folder";
+  auto cannot = [&](const std::string& reason) {
+    error = path + ": cannot read the scene file: " + reason;
     return false;
-  }
-  errno = 0;
-  std::ifstream in(path, std::ios::binary);
+  };
+  // Not blocking, so that a FIFO is refused below rather than waited on.
+  const int fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (fd < 0) return cannot(std::strerror(errno));
+  struct Closer {
+    int fd;
+    ~Closer() { ::close(fd); }
+  } closer{fd};
+  struct stat info {};
+  if (::fstat(fd, &info) != 0) return cannot(std::strerror(errno));
+  if (S_ISDIR(info.st_mode)) return cannot("it is a folder");
+  // A device or a pipe may never end.
+  if (!S_ISREG(info.st_mode)) return cannot("it is not a regular file");
+  const auto tooBig = [&] {
+    return cannot("it is larger than the largest scene file, " + std::to_string(kMaxSceneFileSize) + " bytes");
+  };
+  if (static_cast<std::uint64_t>(info.st_size) > kMaxSceneFileSize) return tooBig();
   std::string text;
-  if (in) text.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-  if (!in || in.bad()) {
-    error = path + ": cannot read the scene file: " + (errno ? std::strerror(errno) : "read error");
-    return false;
+  text.resize(static_cast<std::size_t>(info.st_size));
+  std::size_t size = 0;
+  // The file may grow while it is read: read on to its end, within the limit.
+  for (;;) {
+    if (size == text.size()) {
+      if (size > kMaxSceneFileSize) return tooBig();
+      text.resize(std::min<std::size_t>(kMaxSceneFileSize + 1, std::max<std::size_t>(2 * size, 4096)));
+    }
+    const ssize_t n = ::read(fd, &text[size], text.size() - size);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return cannot(std::strerror(errno));
+    if (n == 0) break;
+    size += static_cast<std::size_t>(n);
   }
+  if (size > kMaxSceneFileSize) return tooBig();
+  text.resize(size);
   return readSceneText(text, path, scene, error);
 }
 

@@ -7,6 +7,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "engine/scene.h"
@@ -47,7 +48,7 @@ class SceneReader {
   bool checkKeys(const JsonNode& object, const KeyList& allowed, const std::string& where);
   // Reserves an explicit id, so that generated idents avoid it.
   bool reserveId(const JsonNode& id);
-  std::string freeIdent(const std::string& base) const;
+  std::string freeIdent(const std::string& base);
 
   // Items, channels and actions (scene_file.cpp).
   bool collectIds(const JsonNode& items);
@@ -80,6 +81,8 @@ class SceneReader {
   Scene& scene_;
   MeshReader meshes_;
   std::set<std::string> ids_;
+  // Per base of generated idents, the first suffix number that may be free.
+  std::unordered_map<std::string, unsigned> nextSuffix_;
   std::vector<ActionUse> actionUses_;
   std::string error_;
 };

@@ -11,10 +11,12 @@ IVxItem* SdkLocator::Item() { return scene_.wrap(&item_); }
 
 VxResult SdkLocator::evaluate(IVxChannelRead* read, MatrixChannel which, double matrix[16]) {
   if (!read || !matrix || !read->Action()) return VXR_BADARG;
-  Evaluation evaluation(scene_.scene(), read->Action(), read->Time());
+  Evaluation& evaluation = scene_.evaluation(read->Action(), read->Time());
   Matrix m;
   // Fails only for a matrix that needs itself, through links and parents.
-  if (!evaluation.matrix(item_, which, m)) return VXR_FAILED;
+  const bool ok = which == MatrixChannel::Parent ? evaluation.hierarchyParentWorld(item_, m)
+                                                 : evaluation.matrix(item_, which, m);
+  if (!ok) return VXR_FAILED;
   std::copy(m.begin(), m.end(), matrix);
   return VXR_OK;
 }
@@ -27,6 +29,8 @@ VxResult SdkLocator::LocalMatrix(IVxChannelRead* read, double matrix[16]) {
   return evaluate(read, MatrixChannel::Local, matrix);
 }
 
+// The frame of the node the module hangs this item's node under: the world
+// matrix of its nearest locator ancestor, whatever drives its "parentMatrix".
 VxResult SdkLocator::ParentWorldMatrix(IVxChannelRead* read, double matrix[16]) {
   return evaluate(read, MatrixChannel::Parent, matrix);
 }

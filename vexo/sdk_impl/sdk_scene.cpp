@@ -49,6 +49,12 @@ SdkScene::~SdkScene() = default;
 
 IVxLocatorService* SdkScene::LocatorService() { return locatorService_.get(); }
 
+Evaluation& SdkScene::evaluation(const char* action, double time) {
+  if (!evaluation_ || evaluation_->action() != action || !(evaluation_->time() == time))
+    evaluation_ = std::make_unique<Evaluation>(scene_, action, time);
+  return *evaluation_;
+}
+
 IVxItem* SdkScene::wrap(Item* item) {
   if (!item) return nullptr;
   auto& wrapper = wrappers_[item];

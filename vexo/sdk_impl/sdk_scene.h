@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "engine/evaluation.h"
 #include "engine/scene.h"
 #include "sdk_impl/sdk_scene_meshes.h"
 #include "vexo/vx_scene.h"
@@ -71,6 +72,9 @@ class SdkScene final : public IVxScene {
   VxResult SetTime(double time) override;
 
   IVxLocatorService* LocatorService() override;
+  // The evaluation locator reads use, kept from one read to the next of the
+  // same action and time, so that matrices computed once serve them all.
+  Evaluation& evaluation(const char* action, double time);
   IVxMeshService* MeshService() override { return &meshService_; }
 
  private:
@@ -86,6 +90,7 @@ class SdkScene final : public IVxScene {
   std::unordered_map<const Item*, std::unique_ptr<SdkItem>> wrappers_;
   std::unordered_map<VxTypeCode, TypeView> typeViews_;
   std::unique_ptr<SdkLocatorService> locatorService_;
+  std::unique_ptr<Evaluation> evaluation_;
   SdkSceneMeshes meshService_{*this};
 };
 
