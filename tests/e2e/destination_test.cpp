@@ -147,8 +147,8 @@ TEST(SaveDestination, ConcurrentSavesLeaveOneWholePair) {
   const std::string large = dir.write("large.json", gridScene(12));
   const std::string dest = dir.file("out.gltf");
   TempDir capture;
-  constexpr int kRounds = 25;
-  constexpr int kSavers = 4;
+  constexpr int kRounds = 40;
+  constexpr int kSavers = 6;
   for (int round = 0; round < kRounds; ++round) {
     std::vector<pid_t> pids;
     for (int i = 0; i < kSavers; ++i) {

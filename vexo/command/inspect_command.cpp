@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include <rapidjson/ostreamwrapper.h>
-#include <rapidjson/prettywriter.h>
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
 
 #include "command/item_placements.h"
 #include "command/save_command.h"
@@ -13,7 +13,7 @@
 namespace vexo {
 namespace {
 
-using Writer = rapidjson::PrettyWriter<rapidjson::OStreamWrapper>;
+using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
 
 void writeText(Writer& writer, const std::string& text) {
   writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
@@ -39,17 +39,20 @@ int runInspect(const InspectRequest& request, std::ostream& out, std::ostream& e
   }
   const double time = request.time.value_or(scene.time());
 
-  rapidjson::OStreamWrapper stream(out);
-  Writer writer(stream);
-  writer.SetFormatOptions(rapidjson::kFormatSingleLineArray);
-  writer.StartObject();
-  writer.Key("action");
-  writeText(writer, request.action);
-  writer.Key("time");
-  writeNumber(writer, time);
-  writer.Key("items");
-  writer.StartArray();
+  // One item per line, so that the output reads well and greps well.
+  rapidjson::StringBuffer buffer;
+  Writer action(buffer);
+  writeText(action, request.action);
+  out << "{\n  \"action\": " << buffer.GetString();
+  buffer.Clear();
+  Writer when(buffer);
+  writeNumber(when, time);
+  out << ",\n  \"time\": " << buffer.GetString() << ",\n  \"items\": [";
+
+  const char* separator = "\n    ";
   for (const ItemPlacement& item : itemPlacements(scene, request.action, time)) {
+    buffer.Clear();
+    Writer writer(buffer);
     writer.StartObject();
     writer.Key("name");
     writeText(writer, item.name);
@@ -72,10 +75,10 @@ int runInspect(const InspectRequest& request, std::ostream& out, std::ostream& e
       writer.Null();
     }
     writer.EndObject();
+    out << separator << buffer.GetString();
+    separator = ",\n    ";
   }
-  writer.EndArray();
-  writer.EndObject();
-  out << '\n';
+  out << "\n  ]\n}\n";
   return kExitOk;
 }
 
