@@ -1,6 +1,12 @@
 // Output files that appear whole or not at all: each is written beside its
 // destination under a temporary name, and all of them are moved into place
 // together once every one was written, flushed and closed.
+//
+// A destination that is a symbolic link is written through: the link stays
+// and the file at the end of its chain (created when missing) gets the bytes,
+// the temporary going beside that file. A destination that exists and is no
+// regular file (a character device, a FIFO) is written straight into, as
+// `cp` would, since renaming over it would replace it with a plain file.
 #pragma once
 
 #include <cstddef>
@@ -25,8 +31,9 @@ class StagedFile {
   StagedFile(StagedFiles& owner, std::string destination) : owner_(owner), destination_(std::move(destination)) {}
 
   StagedFiles& owner_;
-  std::string destination_;
-  std::string temporary_;
+  std::string destination_;  // as given, for messages
+  std::string target_;       // the file the bytes end up in: `destination_` with its links followed
+  std::string temporary_;    // empty when writing straight into the target
   std::FILE* stream_ = nullptr;
   bool committed_ = false;
 };
@@ -39,13 +46,17 @@ class StagedFiles {
   // Removes every temporary file that was not moved into place.
   ~StagedFiles();
 
-  // A new temporary file beside `destination`; null on failure (see error()).
+  // A new temporary file beside `destination`'s target, or the target itself
+  // opened for writing when it is a device or FIFO; null on failure (see
+  // error()). A FIFO with no reader is refused rather than waited on.
   StagedFile* create(const std::string& destination);
   // Flushes, syncs and closes the file; false on failure.
   bool finish(StagedFile& file);
   // Moves every finished file onto its destination, in the order created.
   // Refuses up front when a destination is a directory, so that no file is
-  // replaced in that case.
+  // replaced in that case. The moves happen under an exclusive lock on each
+  // target's folder, so that saves to the same files at once leave the
+  // files of one save or of the other, never a mix.
   bool commit();
 
   // "Cannot write PATH: REASON" for `path` and the system's error code.
@@ -59,5 +70,10 @@ class StagedFiles {
   std::list<StagedFile> files_;  // stable addresses for the handles given out
   std::string error_;
 };
+
+// `path` with its chain of symbolic links followed to the last one's target
+// (which need not exist); `path` itself when it is no link. Sets `error` (an
+// errno value) and returns empty for a loop or a link that cannot be read.
+std::string resolveLinks(const std::string& path, int& error);
 
 }  // namespace gltf

@@ -39,7 +39,14 @@ template <typename T>
 class CVxSaverFactory : public CVxSaverFactoryBase {
  public:
   using CVxSaverFactoryBase::CVxSaverFactoryBase;
-  IVxSaver* SpawnSaver() override { return new T(); }
+  // No instance, rather than an exception into the host, when it cannot be built.
+  IVxSaver* SpawnSaver() override {
+    try {
+      return new T();
+    } catch (...) {
+      return nullptr;
+    }
+  }
 };
 
 // The module object: owns the factories it registered with the host.

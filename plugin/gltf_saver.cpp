@@ -10,7 +10,9 @@ VxResult GltfSaverBase::lastResult[2] = {VXR_OK, VXR_OK};
 GltfSaverBase::GltfSaverBase(std::int32_t outputForm, VxResult* resultCell)
     : outputForm_(outputForm), resultCell_(resultCell) {}
 
-VxResult GltfSaverBase::ss_Save(const CVxUser_Scene& scene, const char* destination) {
+// Wrapped whole, so that no exception (an allocation that fails) leaves the
+// module: the save then fails as any other failed write does.
+VxResult GltfSaverBase::ss_Save(const CVxUser_Scene& scene, const char* destination) try {
   GltfLogMsg& log = context_.log;
   log.resetCounters();
   destination_ = destination;
@@ -39,6 +41,17 @@ VxResult GltfSaverBase::ss_Save(const CVxUser_Scene& scene, const char* destinat
   }
   *resultCell_ = result;
   return result;
+} catch (...) {
+  // Unwinding already removed any temporary file; drop what the save built.
+  context_.meshes = nullptr;
+  context_.document.reset();
+  context_.documentRoot = GltfDocument::kNone;
+  try {
+    context_.log.reportError("Failed to export GLTF!");
+  } catch (...) {
+  }
+  *resultCell_ = VXR_FAILED;
+  return VXR_FAILED;
 }
 
 void GltfSaverBase::InitSaver(const CVxUser_Scene& scene) {

@@ -25,7 +25,9 @@ CVxTagTable saverTags(const SaverDescription& saver) {
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) IVxModule* _IVxModule_Create(IVxHost* host) {
+// No exception may leave the module: a failure to build it (out of memory)
+// returns no module, which the host reports.
+extern "C" __attribute__((visibility("default"))) IVxModule* _IVxModule_Create(IVxHost* host) try {
   if (!host) return nullptr;
   CVxHost::set(host);
 
@@ -36,4 +38,6 @@ extern "C" __attribute__((visibility("default"))) IVxModule* _IVxModule_Create(I
   module->addServer(host, std::make_unique<CVxSaverFactory<GltfSaver>>(kGlb.server, saverTags(kGlb)));
   module->addServer(host, std::make_unique<CVxSaverFactory<GltfSaverGLTF>>(kGltf.server, saverTags(kGltf)));
   return module.release();
+} catch (...) {
+  return nullptr;
 }

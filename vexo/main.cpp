@@ -2,4 +2,7 @@
 
 #include "command/cli.h"
 
-int main(int argc, char** argv) { return vexo::runCli(argc, argv, std::cout, std::cerr); }
+int main(int argc, char** argv) {
+  vexo::ignoreFileSizeSignal();
+  return vexo::runCli(argc, argv, std::cout, std::cerr);
+}

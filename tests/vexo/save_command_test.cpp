@@ -52,6 +52,10 @@ class SaveCommand : public ::testing::Test {
 
 TEST_F(SaveCommand, VerifyPassThenRealSaveOnOneSaverAndTheirResults) {
   const std::string verify = "info: gltf.bin #1 save real=0 dest=out.glb selection=\n";
+  // The empty scene selects nothing, so every successful save ends with the hint.
+  const std::string hint =
+      "vexo: nothing is selected, so the export of the selected items (export type 1, the default) is empty; add "
+      "items with --select NAME, or export the whole scene with --set sceneio.gltf.save.exportType=0\n";
   const std::string real = "info: gltf.bin #1 save real=1 dest=out.glb selection=\n";
   const std::string released = "info: gltf.bin #1 released\n";
   const struct {
@@ -59,15 +63,15 @@ TEST_F(SaveCommand, VerifyPassThenRealSaveOnOneSaverAndTheirResults) {
     int code;
     std::string err;
   } cases[] = {
-      {{"out.glb"}, kExitOk, verify + real + released},
-      {{"out.glb", "--verify-only"}, kExitOk, verify + released},
+      {{"out.glb"}, kExitOk, verify + real + released + hint},
+      {{"out.glb", "--verify-only"}, kExitOk, verify + released + hint},
       {{"out.glb", "--set", "test.result=-2147483648"}, kExitSaveFailed,
        verify + real + released + "vexo: saving \"out.glb\" failed with result 0x80000000\n"},
       // A failed verify pass stops before the real save.
       {{"out.glb", "--set", "test.verifyResult=-2147483645"}, kExitSaveFailed,
        verify + released + "vexo: saving \"out.glb\" failed with result 0x80000003\n"},
       // Success codes other than zero are still success.
-      {{"out.glb", "--set", "test.result=2"}, kExitOk, verify + real + released},
+      {{"out.glb", "--set", "test.result=2"}, kExitOk, verify + real + released + hint},
   };
   for (const auto& c : cases) {
     std::vector<std::string> args = {empty_};
@@ -104,9 +108,14 @@ TEST_F(SaveCommand, UsageAndPluginProblemsExitWithTwo) {
     std::vector<std::string> args;
     std::string lastLine;  // empty: only the exit code is checked
   } cases[] = {
-      {{"save", empty_}, ""},
-      {{}, ""},
-      {{"save", empty_, "out.glb", "--format", "fbx"}, ""},
+      {{"save", empty_}, "vexo: destination is required (see vexo save --help)"},
+      {{}, "vexo: A subcommand is required (see vexo --help)"},
+      {{"save", empty_, "out.glb", "--format", "fbx"},
+       "vexo: --format: fbx not in {glb,gltf} (see vexo save --help)"},
+      {{"save", empty_, "out.glb", "--frobnicate"},
+       "vexo: The following argument was not expected: --frobnicate (see vexo save --help)"},
+      {{"inspect"}, "vexo: scene is required (see vexo inspect --help)"},
+      {{"inspect", empty_, "--time", "soon"}, ""},
       {{"save", empty_, "out.glb", "--set", "novalue", "--plugin", RECORDING_PLUGIN},
        "vexo: --set takes KEY=VALUE, not \"novalue\""},
       {{"save", empty_, "out.glb", "--select", "Ghost", "--plugin", RECORDING_PLUGIN},
@@ -117,8 +126,6 @@ TEST_F(SaveCommand, UsageAndPluginProblemsExitWithTwo) {
       {{"save", empty_, "out.glb", "--plugin", NO_ENTRY_PLUGIN},
        "vexo: plug-in \"" NO_ENTRY_PLUGIN "\" has no entry point _IVxModule_Create: " NO_ENTRY_PLUGIN
        ": undefined symbol: _IVxModule_Create"},
-      {{"save", empty_, "out.glb", "--plugin", RECORDING_PLUGIN, "--set", "test.noModule=1"},
-       "vexo: plug-in \"" RECORDING_PLUGIN "\": _IVxModule_Create returned no module"},
       {{"save", empty_, "out.gltf", "--plugin", RECORDING_PLUGIN, "--set", "test.onlyGlb=1"},
        "vexo: plug-in \"" RECORDING_PLUGIN "\" has no saver \"gltf.gltf\""},
   };
@@ -130,7 +137,16 @@ TEST_F(SaveCommand, UsageAndPluginProblemsExitWithTwo) {
     const std::string lastLine = run.err.substr(run.err.rfind('\n', run.err.size() - 2) + 1);
     EXPECT_TRUE(c.lastLine.empty() || lastLine == c.lastLine + "\n") << lastLine;
     EXPECT_EQ(run.err.find("save real="), std::string::npos);
+    // Every line is vexo's own.
+    for (std::size_t at = 0; at < run.err.size(); at = run.err.find('\n', at) + 1)
+      EXPECT_EQ(run.err.compare(at, 6, "vexo: "), 0) << run.err;
   }
+}
+
+TEST_F(SaveCommand, ModuleThatFailsToBuildItselfIsAFailureNotBadUsage) {
+  const CliRun run = save({empty_, "out.glb", "--set", "test.noModule=1"});
+  EXPECT_EQ(run.code, kExitSaveFailed);
+  EXPECT_EQ(run.err, "vexo: plug-in \"" RECORDING_PLUGIN "\": _IVxModule_Create returned no module\n");
 }
 
 TEST_F(SaveCommand, PluginPathComesFromTheOptionThenTheEnvironment) {

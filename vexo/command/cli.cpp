@@ -1,12 +1,18 @@
 #include "command/cli.h"
 
+#include <csignal>
+#include <exception>
+#include <new>
+
 #include <CLI/CLI.hpp>
 
+#include "command/inspect_command.h"
 #include "command/save_command.h"
 
 namespace vexo {
+namespace {
 
-int runCli(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
+int parseAndRun(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
   CLI::App app("vexo: a headless Vexo host that runs plug-in scene savers", "vexo");
   app.require_subcommand(1);
 
@@ -23,15 +29,48 @@ int runCli(int argc, const char* const* argv, std::ostream& out, std::ostream& e
   save->add_option("--plugin", request.pluginPath, "Plug-in file (default: $VEXO_PLUGIN_PATH, else gltfio.vx beside vexo)");
   save->add_flag("--verify-only", request.verifyOnly, "Run only the verify pass; write nothing");
 
+  InspectRequest inspectRequest;
+  double time = 0.0;
+  CLI::App* inspect = app.add_subcommand("inspect", "Print the scene's items and world matrices as JSON");
+  inspect->add_option("scene", inspectRequest.scenePath, "Scene file (JSON) to load")->required();
+  inspect->add_option("--action", inspectRequest.action, "Action to evaluate (default: edit)");
+  CLI::Option* timeOption = inspect->add_option("--time", time, "Time to evaluate at (default: the scene's time)");
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& e) {
     return app.exit(e, out, err);
   } catch (const CLI::ParseError& e) {
-    app.exit(e, out, err);
+    const char* usage = save->parsed() ? "vexo save --help" : inspect->parsed() ? "vexo inspect --help" : "vexo --help";
+    err << "vexo: " << e.what() << " (see " << usage << ")\n";
     return kExitUsage;
   }
-  return runSave(request, err);
+  if (inspect->parsed()) {
+    if (timeOption->count() > 0) inspectRequest.time = time;
+    return runInspect(inspectRequest, out, err);
+  }
+  return runSave(request, out, err);
+}
+
+}  // namespace
+
+int runCli(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
+  try {
+    return parseAndRun(argc, argv, out, err);
+  } catch (const std::bad_alloc&) {
+    err << "vexo: out of memory\n";
+  } catch (const std::exception& e) {
+    err << "vexo: " << e.what() << '\n';
+  } catch (...) {
+    err << "vexo: unexpected failure\n";
+  }
+  return kExitSaveFailed;
+}
+
+void ignoreFileSizeSignal() {
+  // Past a file-size limit, writes then fail with EFBIG and the save fails
+  // like one on a full disk, cleaning up, instead of the process being killed.
+  std::signal(SIGXFSZ, SIG_IGN);
 }
 
 }  // namespace vexo

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "command/saved_files.h"
 #include "engine/scene.h"
 #include "loader/plugin_loader.h"
 #include "scenefile/scene_file.h"
@@ -47,7 +48,7 @@ const char* saverName(std::string_view format, std::string_view destination) {
   return "gltf.bin";
 }
 
-int runSave(const SaveRequest& request, std::ostream& err) {
+int runSave(const SaveRequest& request, std::ostream& out, std::ostream& err) {
   HostServices services(&err);
   for (const std::string& setting : request.settings) {
     std::size_t equals = setting.find('=');
@@ -69,7 +70,13 @@ int runSave(const SaveRequest& request, std::ostream& err) {
   SdkScene sdkScene(scene);
   SdkHost host(services);
   const std::string path = pluginPath(request.pluginPath);
-  std::unique_ptr<LoadedPlugin> plugin = LoadedPlugin::load(path, host, error);
+  bool noModule = false;
+  std::unique_ptr<LoadedPlugin> plugin = LoadedPlugin::load(path, host, error, &noModule);
+  // A module that failed to build itself is a failure of the run, not bad usage.
+  if (!plugin && noModule) {
+    err << "vexo: " << error << '\n';
+    return kExitSaveFailed;
+  }
   if (!plugin) return usageError(err, error);
 
   const char* server = saverName(request.format, request.destination);
@@ -77,7 +84,11 @@ int runSave(const SaveRequest& request, std::ostream& err) {
   if (!factory || !listsInterface(*factory, VX_INTERFACE_SAVER))
     return usageError(err, "plug-in \"" + path + "\" has no saver \"" + server + "\"");
   std::unique_ptr<IVxSaver, SaverReleaser> saver(factory->SpawnSaver());
-  if (!saver) return usageError(err, "saver \"" + std::string(server) + "\" could not be created");
+  // Out of memory, most likely: a resource failure, not bad usage.
+  if (!saver) {
+    err << "vexo: saver \"" << server << "\" could not be created\n";
+    return kExitSaveFailed;
+  }
 
   SaveTarget verify(sdkScene, false);
   VxResult result = saver->Save(&verify, request.destination.c_str());
@@ -89,6 +100,15 @@ int runSave(const SaveRequest& request, std::ostream& err) {
   if (VxFailed(result)) {
     err << "vexo: saving \"" << request.destination << "\" failed with result " << hex(result) << '\n';
     return kExitSaveFailed;
+  }
+  if (exportsEmptySelection(services.userValues, scene)) {
+    err << "vexo: nothing is selected, so the export of the selected items (export type 1, the default) is "
+           "empty; add items with --select NAME, or export the whole scene with --set "
+        << kExportTypeKey << "=0\n";
+  }
+  if (!request.verifyOnly) {
+    for (const SavedFile& file : savedFiles(server, request.destination))
+      out << "vexo: wrote \"" << file.path << "\" (" << file.size << " bytes)\n";
   }
   return kExitOk;
 }

@@ -10,7 +10,7 @@ namespace vexo {
 
 enum ExitCode : int {
   kExitOk = 0,
-  kExitSaveFailed = 1,  // the saver returned a failure
+  kExitSaveFailed = 1,  // the saver returned a failure, or vexo ran out of a resource (memory)
   kExitUsage = 2,       // bad arguments, scene file, selection or plug-in
 };
 
@@ -28,7 +28,8 @@ struct SaveRequest {
 // and a destination ending in ".gltf"; "gltf.bin" otherwise.
 const char* saverName(std::string_view format, std::string_view destination);
 
-// Runs one save. The event log and the command's own errors go to `err`.
-int runSave(const SaveRequest& request, std::ostream& err);
+// Runs one save. The event log, the command's own errors and hints go to
+// `err`; the files a successful save wrote, with their sizes, to `out`.
+int runSave(const SaveRequest& request, std::ostream& out, std::ostream& err);
 
 }  // namespace vexo

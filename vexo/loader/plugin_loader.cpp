@@ -19,7 +19,9 @@ std::string lastDlError() {
 
 }  // namespace
 
-std::unique_ptr<LoadedPlugin> LoadedPlugin::load(const std::string& path, SdkHost& host, std::string& error) {
+std::unique_ptr<LoadedPlugin> LoadedPlugin::load(const std::string& path, SdkHost& host, std::string& error,
+                                                 bool* noModule) {
+  if (noModule) *noModule = false;
   dlerror();
   void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (!library) {
@@ -37,6 +39,7 @@ std::unique_ptr<LoadedPlugin> LoadedPlugin::load(const std::string& path, SdkHos
   std::vector<std::string> names = host.serverNames();
   plugin->servers_.assign(names.begin() + static_cast<std::ptrdiff_t>(before), names.end());
   if (!plugin->module_) {
+    if (noModule) *noModule = true;
     error = "plug-in \"" + path + "\": " VX_MODULE_ENTRY_NAME " returned no module";
     return nullptr;
   }

@@ -13,8 +13,11 @@ namespace vexo {
 
 class LoadedPlugin {
  public:
-  // Null on failure, with `error` naming the file and the reason.
-  static std::unique_ptr<LoadedPlugin> load(const std::string& path, SdkHost& host, std::string& error);
+  // Null on failure, with `error` naming the file and the reason. `noModule`,
+  // when given, tells whether the library loaded but its entry returned no
+  // module (the module failed to build itself, out of memory for one).
+  static std::unique_ptr<LoadedPlugin> load(const std::string& path, SdkHost& host, std::string& error,
+                                            bool* noModule = nullptr);
 
   // Releases the module, forgets its servers and closes the library. No
   // server instance of the module may be alive.
