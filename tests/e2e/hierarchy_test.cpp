@@ -138,6 +138,36 @@ TEST(Hierarchy, FlattenedParentsKeepTheHostsPlacement) {
       << out.bytes;
 }
 
+TEST(Hierarchy, GroupsAndDrivenParentsKeepTheHostsPlacement) {
+  // Items that are no locators pass their parent's frame on; a linked
+  // "parentMatrix" moves its item, not the node it hangs under.
+  const char* const scene = R"({
+    "items": [
+      { "name": "Base", "type": "locator", "position": [10, 0, 0], "children": [
+          { "name": "Bunch", "type": "group", "children": [
+              { "name": "InGroup", "type": "locator", "position": [0, 0, 3] } ] } ] },
+      { "name": "Crane", "type": "locator", "position": [0, 7, 0] },
+      { "name": "Hook", "type": "locator", "position": [0, 0, 5], "children": [
+          { "name": "Load", "type": "locator", "position": [1, 0, 0] } ] }
+    ],
+    "links": [ { "from": "Crane.worldMatrix", "to": "Hook.parentMatrix" } ]
+  })";
+  TempDir dir;
+  const SavedScene out = exportScene(dir, scene, {"--set", "sceneio.gltf.save.exportType=0"});
+  expectWorldMatricesMatchTheHost(out, dir.file("scene.json"));
+  const struct {
+    const char* name;
+    double x, y, z;
+  } placed[] = {{"InGroup", 10, 0, 3}, {"Hook", 0, 7, 5}, {"Load", 1, 7, 5}};
+  for (const auto& p : placed) {
+    const ReadNode* node = out.gltf.node(p.name);
+    ASSERT_NE(node, nullptr) << p.name;
+    EXPECT_EQ(node->world[12], p.x) << p.name;
+    EXPECT_EQ(node->world[13], p.y) << p.name;
+    EXPECT_EQ(node->world[14], p.z) << p.name;
+  }
+}
+
 TEST(Hierarchy, CameraValuesAreKeptWhereGltfAllowsThem) {
   const char* const scene = R"({
     "items": [

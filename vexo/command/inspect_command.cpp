@@ -5,8 +5,8 @@
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
-#include "command/item_placements.h"
 #include "command/save_command.h"
+#include "engine/inspect.h"
 #include "engine/scene.h"
 #include "scenefile/scene_file.h"
 
@@ -38,6 +38,11 @@ int runInspect(const InspectRequest& request, std::ostream& out, std::ostream& e
     return kExitUsage;
   }
   const double time = request.time.value_or(scene.time());
+  std::vector<ItemPlacement> items;
+  if (!inspectScene(scene, request.action, time, items, error)) {
+    err << "vexo: " << error << '\n';
+    return kExitUsage;
+  }
 
   // One item per line, so that the output reads well and greps well.
   rapidjson::StringBuffer buffer;
@@ -50,19 +55,19 @@ int runInspect(const InspectRequest& request, std::ostream& out, std::ostream& e
   out << ",\n  \"time\": " << buffer.GetString() << ",\n  \"items\": [";
 
   const char* separator = "\n    ";
-  for (const ItemPlacement& item : itemPlacements(scene, request.action, time)) {
+  for (const ItemPlacement& item : items) {
     buffer.Clear();
     Writer writer(buffer);
     writer.StartObject();
     writer.Key("name");
     writeText(writer, item.name);
     writer.Key("id");
-    writeText(writer, item.id);
+    writeText(writer, item.ident);
     writer.Key("type");
     writeText(writer, item.type);
     writer.Key("parent");
-    if (item.parent) {
-      writeText(writer, *item.parent);
+    if (item.parentIdent) {
+      writeText(writer, *item.parentIdent);
     } else {
       writer.Null();
     }
