@@ -15,15 +15,30 @@ std::atomic<long> allocations{0};
 std::atomic<long> failAt{-1};
 }  // namespace
 
+namespace {
+// Null for the failing allocation or when memory runs out.
+void* allocate(std::size_t size) {
+  if (++allocations == failAt.load()) return nullptr;
+  return std::malloc(size ? size : 1);
+}
+}  // namespace
+
+// Every form a program allocates through without an alignment, so that each
+// block is freed by the allocator that made it.
 void* operator new(std::size_t size) {
-  const long number = ++allocations;
-  if (number == failAt.load()) throw std::bad_alloc();
-  if (void* block = std::malloc(size ? size : 1)) return block;
+  if (void* block = allocate(size)) return block;
   throw std::bad_alloc();
 }
+void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
 
 void operator delete(void* block) noexcept { std::free(block); }
 void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+void operator delete[](void* block) noexcept { std::free(block); }
+void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
+void operator delete(void* block, const std::nothrow_t&) noexcept { std::free(block); }
+void operator delete[](void* block, const std::nothrow_t&) noexcept { std::free(block); }
 
 int main(int argc, char** argv) {
   if (const char* at = std::getenv("GLTFIO_FAIL_ALLOCATION")) failAt = std::atol(at);
