@@ -113,8 +113,15 @@ bool HostScene::worldMatrix(const std::string& name, std::array<double, 16>& mat
   IVxScene& scene = *impl_->sdk;
   IVxItem* found = findItem(scene, name);
   IVxLocatorService* locators = scene.LocatorService();
+  if (!found || !locators) return false;
+  // An item that is no locator sits in the frame of its nearest locator ancestor.
   IVxLocator* locator = nullptr;
-  if (!found || !locators || VxFailed(locators->LocatorLookup(found, &locator))) return false;
+  for (IVxItem* item = found; item && !locator; item = item->Parent())
+    if (VxFailed(locators->LocatorLookup(item, &locator))) locator = nullptr;
+  if (!locator) {
+    matrix = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    return true;
+  }
   IVxChannelRead* read = nullptr;
   if (VxFailed(scene.ChannelRead("edit", scene.Time(), &read))) return false;
   const bool ok = VxOk(locator->WorldMatrix(read, matrix.data()));

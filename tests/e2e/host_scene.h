@@ -25,7 +25,9 @@ class HostScene {
   bool ok() const { return error_.empty(); }
   const std::string& error() const { return error_; }
   // The world matrix of the one item with this name, as the host evaluates it
-  // in the "edit" action at the scene's time; false when there is none.
+  // in the "edit" action at the scene's time; for an item that is no locator,
+  // that of its nearest locator ancestor (the identity without one). False
+  // when there is no such item.
   bool worldMatrix(const std::string& name, std::array<double, 16>& matrix) const;
   // Every triangle corner of the item's mesh, polygon by polygon in the
   // host's triangulation order; false when the item has no mesh.
