@@ -3,13 +3,41 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdlib>
+#include <new>
 #include <string>
 
 #include <rapidjson/document.h>
 
 namespace gltf {
 
-using Allocator = rapidjson::MemoryPoolAllocator<rapidjson::CrtAllocator>;
+// RapidJSON's own base allocator hands out null when memory runs out and then
+// writes through it; this one throws std::bad_alloc, which the save turns into
+// a failed export.
+class ThrowingAllocator {
+ public:
+  static const bool kNeedFree = true;
+  void* Malloc(std::size_t size) {
+    if (size == 0) return nullptr;
+    return checked(std::malloc(size));
+  }
+  void* Realloc(void* original, std::size_t, std::size_t newSize) {
+    if (newSize == 0) {
+      std::free(original);
+      return nullptr;
+    }
+    return checked(std::realloc(original, newSize));
+  }
+  static void Free(void* block) { std::free(block); }
+
+ private:
+  static void* checked(void* block) {
+    if (!block) throw std::bad_alloc();
+    return block;
+  }
+};
+
+using Allocator = rapidjson::MemoryPoolAllocator<ThrowingAllocator>;
 using Value = rapidjson::GenericValue<rapidjson::UTF8<>, Allocator>;
 
 constexpr std::size_t kChunkSize = 65536;

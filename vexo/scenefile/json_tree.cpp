@@ -9,6 +9,7 @@
 #include <limits>
 #include <utility>
 
+#include "scenefile/json_allocator.h"
 #include "scenefile/json_number.h"
 
 namespace vexo {
@@ -407,7 +408,7 @@ bool parseJson(std::string_view text, JsonNode& root, JsonError& error, const Js
   }
   TextStream stream(text);
   TreeBuilder builder(text, stream, positions, raw);
-  rapidjson::Reader reader;
+  JsonReader reader;
   rapidjson::ParseResult result = reader.Parse<kParseFlags>(stream, builder);
   if (result) {
     root = std::move(builder.root());
@@ -424,7 +425,7 @@ std::size_t findJsonValue(std::string_view text, const std::vector<std::size_t>&
   if (key && path.empty()) return std::string_view::npos;
   TextStream stream(text);
   ValueFinder finder(text, stream, path, key);
-  rapidjson::Reader reader;
+  JsonReader reader;
   reader.Parse<kParseFlags>(stream, finder);
   return finder.offset();
 }

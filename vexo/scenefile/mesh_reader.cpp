@@ -12,13 +12,14 @@
 #include <unordered_map>
 
 #include "mesh/mesh_data.h"
+#include "scenefile/json_allocator.h"
 #include "scenefile/json_number.h"
 #include "vexo/vx_mesh.h"
 
 namespace vexo {
 namespace {
 
-using rapidjson::Value;
+using Value = JsonValue;
 using KeyNames = std::vector<const char*>;
 
 // As the positioned tree parses: the raw text has already passed its checks.
@@ -31,7 +32,7 @@ class NumberConverter {
  public:
   using Ch = char;
   using SizeType = rapidjson::SizeType;
-  explicit NumberConverter(rapidjson::Document& doc) : doc_(doc) {}
+  explicit NumberConverter(JsonDocument& doc) : doc_(doc) {}
 
   bool Null() { return doc_.Null(); }
   bool Bool(bool b) { return doc_.Bool(b); }
@@ -55,16 +56,16 @@ class NumberConverter {
   bool EndArray(SizeType count) { return doc_.EndArray(count); }
 
  private:
-  rapidjson::Document& doc_;
+  JsonDocument& doc_;
 };
 
 // Parses `text` into `doc`; false when it does not parse.
-bool parseMeshText(std::string_view text, rapidjson::Document& doc) {
+bool parseMeshText(std::string_view text, JsonDocument& doc) {
   bool parsed = false;
-  auto generate = [&](rapidjson::Document& handler) {
+  auto generate = [&](JsonDocument& handler) {
     NumberConverter converter(handler);
     rapidjson::MemoryStream stream(text.data(), text.size());
-    rapidjson::Reader reader;
+    JsonReader reader;
     parsed = !reader.Parse<kParseFlags>(stream, converter).IsError();
     return parsed;
   };
@@ -124,7 +125,7 @@ class MeshValueReader {
 
   bool read() {
     const std::string_view span = text_.substr(raw_.rawBegin, raw_.rawEnd - raw_.rawBegin);
-    rapidjson::Document doc;
+    JsonDocument doc;
     if (!parseMeshText(span, doc)) return fail("the mesh is not valid JSON");
     if (!doc.IsObject()) return fail("\"mesh\" takes an object, not " + describe(doc));
     std::vector<const Value*> members;
