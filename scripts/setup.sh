@@ -11,8 +11,7 @@ packages=(cmake g++ make rapidjson-dev libcli11-dev libgtest-dev libgmock-dev)
 if [[ "${1:-}" == "--test" ]]; then
   command -v node >/dev/null 2>&1 || packages+=(nodejs)
   command -v npm >/dev/null 2>&1 || packages+=(npm)
-  command -v python3 >/dev/null 2>&1 || packages+=(python3)
-  packages+=(clang libclang-rt-dev)
+  packages+=(python3 clang libclang-rt-dev)
 fi
 
 missing=()
