@@ -16,6 +16,7 @@
 #include <fstream>
 #include <functional>
 #include <map>
+#include <set>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -542,6 +543,23 @@ TEST(Robustness, ConcurrentSavesToOneDestination) {
     ASSERT_TRUE(pairMatches(destination));
   }
   EXPECT_TRUE(isValidGltf(destination));
+}
+
+// The fuzzer starts from these seeds: one the reader refuses would leave the
+// fuzzer searching near the reader's first checks only.
+TEST(FuzzSeeds, EverySeedSceneReadsAndSaves) {
+  TempDir dir;
+  const std::string command = std::string("'") + GLTFIO_PYTHON + "' '" + GLTFIO_MAKE_SEEDS + "' '" + dir.file("seeds") +
+                              "' '" + GLTFIO_EXAMPLES_DIR + "'";
+  ASSERT_EQ(std::system(command.c_str()), 0) << command;
+  std::set<std::string> scenes;
+  for (const auto& entry : fs::directory_iterator(dir.file("seeds"))) scenes.insert(readFile(entry.path()).substr(1));
+  ASSERT_GE(scenes.size(), 10u);
+  for (const std::string& text : scenes) {
+    const std::string scene = dir.write("scene.json", text);
+    const Outcome outcome = runVexoLimited({"save", scene, dir.file("out.gltf"), "--set", "sceneio.gltf.save.exportType=0"});
+    EXPECT_EQ(outcome.status, 0) << text.substr(0, 200) << "\n" << outcome.describe();
+  }
 }
 
 }  // namespace
