@@ -18,7 +18,6 @@ mkdir -p "$work/corpus" "$work/artifacts"
 python3 fuzz/make_seeds.py "$work/seeds"
 
 export ASAN_OPTIONS="${ASAN_OPTIONS:-detect_leaks=1}"
-export UBSAN_OPTIONS="${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}"
 log="$work/fuzz.log"
 # New inputs go to the first folder (kept between runs); the others are read only.
 # An input that runs for 10 seconds counts as a hang.

@@ -91,6 +91,11 @@ Harness* harness = nullptr;
 
 }  // namespace
 
+// Defaults for running the fuzzer binary directly; UBSAN_OPTIONS adds to them.
+extern "C" const char* __ubsan_default_options() {
+  return "print_stacktrace=1:halt_on_error=1:suppressions=" GLTFIO_UBSAN_SUPPRESSIONS;
+}
+
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   harness = new Harness;
   std::string folder = (std::filesystem::temp_directory_path() / "gltfio-fuzz-XXXXXX").string();
