@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # Installs what building gltfio needs on Debian 12 (run as root).
 # With --test, also what the test suite needs: Node.js, the pinned glTF
-# validator and the glTF reader the tests read files back with.
+# validator and the glTF reader the tests read files back with, Python for the
+# generated test scenes, and clang with its sanitizer and libFuzzer runtimes
+# for the save fuzzer (fuzz/run.sh).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -9,6 +11,7 @@ packages=(cmake g++ make rapidjson-dev libcli11-dev libgtest-dev libgmock-dev)
 if [[ "${1:-}" == "--test" ]]; then
   command -v node >/dev/null 2>&1 || packages+=(nodejs)
   command -v npm >/dev/null 2>&1 || packages+=(npm)
+  packages+=(python3 clang libclang-rt-dev)
 fi
 
 missing=()
