@@ -32,48 +32,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Cases that fail until the fixes for issue 9 on other branches are merged.
-// Remove a name when its fix lands; GLTFIO_ROBUSTNESS_ALL=1 runs them all.
-const std::map<std::string, std::string> kFixedElsewhere = {
-    {"name_lone_surrogate", "a lone surrogate is written as invalid UTF-8 (branch host)"},
-    {"name_nul", "a NUL cuts the name short (branch host)"},
-    {"number_zero_with_huge_exponent", "0e38 reads as 1.8e19 (branch host)"},
-    {"camera_tiny_aperture", "yfov rounds to 0 (branch host)"},
-    {"camera_tiny_near_clip", "znear rounds to 0 (branch host)"},
-    {"scale_zero", "a singular node matrix is written, which glTF rejects (branch host)"},
-    {"many_slashes_selection", "reference resolution doubles per slash (branch host)"},
-    {"many_slashes_link", "reference resolution doubles per slash (branch host)"},
-    {"many_slashes_item_list", "reference resolution doubles per slash (branch host)"},
-    {"SceneIsAnEndlessStream", "reading /dev/zero grows without bound (branch host)"},
-    {"AddressSpaceLimits", "allocation failures crash or escape the plug-in (branches host and write)"},
-    {"char_device", "a device at the destination is replaced by a file (branch write)"},
-    {"fifo", "a FIFO at the destination is replaced by a file (branch write)"},
-    {"FileSizeLimit", "SIGXFSZ kills the save and leaves its temporary file (branch write)"},
-    {"ConcurrentSavesToOneDestination", "two saves mix their .gltf and .bin (branch write)"},
-#ifdef GLTFIO_SANITIZED
-    {"text_ends_inside_utf8_character", "the reader reads past the end of the text (branch host)"},
-#endif
-};
-
 // A guard against hangs only: a run this long has failed whatever it would print.
 constexpr auto kRunGuard = std::chrono::seconds(20);
 const char* const kPrevious = "what was here before";
-
-bool skipKnownFailure(const std::string& name, std::string& reason) {
-  const auto found = kFixedElsewhere.find(name);
-  const char* all = std::getenv("GLTFIO_ROBUSTNESS_ALL");
-  if (found == kFixedElsewhere.end() || (all && *all && std::string(all) != "0")) return false;
-  reason = "issue 9, fixed elsewhere: " + found->second;
-  return true;
-}
-
-#define SKIP_IF_FIXED_ELSEWHERE(name)                              \
-  do {                                                             \
-    std::string skipReason;                                        \
-    if (skipKnownFailure(name, skipReason)) {                      \
-      GTEST_SKIP() << skipReason;                                  \
-    }                                                              \
-  } while (0)
 
 struct Limits {
   rlim_t fileSize = RLIM_INFINITY;
@@ -283,7 +244,6 @@ class HostileScene : public ::testing::TestWithParam<SceneCase> {};
 
 TEST_P(HostileScene, SavesAValidFileOrFailsWithAMessage) {
   const SceneCase& sceneCase = GetParam();
-  SKIP_IF_FIXED_ELSEWHERE(sceneCase.name);
   TempDir dir;
   const std::string scene = makeScene(dir, sceneCase.name);
   const std::string destination = dir.file(sceneCase.destination);
@@ -447,7 +407,6 @@ void PrintTo(const DestinationCase& destinationCase, std::ostream* out) { *out <
 class HostileDestination : public ::testing::TestWithParam<DestinationCase> {};
 
 TEST_P(HostileDestination, SavesOrFailsLeavingItIntact) {
-  SKIP_IF_FIXED_ELSEWHERE(GetParam().name);
   TempDir dir;
   const std::string scene = makeScene(dir, "valid_mesh");
   Prepared prepared = GetParam().prepare(dir);
@@ -474,7 +433,6 @@ TEST(Robustness, SceneIsAFolder) {
 }
 
 TEST(Robustness, SceneIsAnEndlessStream) {
-  SKIP_IF_FIXED_ELSEWHERE("SceneIsAnEndlessStream");
   TempDir dir;
   // The address-space limit keeps a faulty reader from taking the machine's memory.
   const Outcome outcome = runVexoLimited({"save", "/dev/zero", dir.file("out.glb")}, {RLIM_INFINITY, 2ull << 30});
@@ -483,13 +441,14 @@ TEST(Robustness, SceneIsAnEndlessStream) {
 }
 
 TEST(Robustness, FileSizeLimit) {
-  SKIP_IF_FIXED_ELSEWHERE("FileSizeLimit");
   TempDir dir;
   const std::string scene = makeScene(dir, "grid_mesh");
   Previous previous;
   previous.write(dir.file("out.glb"), kPrevious);
   // The grid's file is far above 64 KiB; the error output stays below it.
-  const Outcome outcome = runVexoLimited({"save", scene, dir.file("out.glb")}, {64 << 10, RLIM_INFINITY});
+  const Outcome outcome = runVexoLimited({"save", scene, dir.file("out.glb"), "--set", "sceneio.gltf.save.exportType=0",
+                                                  "--set", "sceneio.gltf.save.indicesExport=1"},
+                                                 {64 << 10, RLIM_INFINITY});
   expectCleanEnd(outcome, dir.file("out.glb"), dir.path(), previous);
   EXPECT_EQ(outcome.status, 1) << outcome.describe();
 }
@@ -498,7 +457,6 @@ TEST(Robustness, AddressSpaceLimits) {
 #ifdef GLTFIO_SANITIZED
   GTEST_SKIP() << "the sanitizers reserve more address space than any of these limits";
 #endif
-  SKIP_IF_FIXED_ELSEWHERE("AddressSpaceLimits");
   TempDir dir;
   const std::string scene = makeScene(dir, "big_grid_mesh");
   Previous previous;
@@ -528,7 +486,6 @@ TEST(Robustness, AddressSpaceLimits) {
 }
 
 TEST(Robustness, ConcurrentSavesToOneDestination) {
-  SKIP_IF_FIXED_ELSEWHERE("ConcurrentSavesToOneDestination");
   TempDir dir;
   const std::string first = makeScene(dir, "grid_60"), second = makeScene(dir, "grid_61");
   const std::string destination = dir.file("out/shared.gltf");
