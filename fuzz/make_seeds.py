@@ -100,6 +100,11 @@ SCENES = {
                 {"name": "L2", "type": "locator", "scale": [2, 2, 2], "children": [
                     {"name": "L3", "type": "mesh", "mesh": QUAD_MESH}]}]}]},
     ], "itemList": ["L0", "L2"], "selection": ["L3"]},
+    # References resolve by trying each slash; a few here let the fuzzer grow more.
+    "slashed_references": {"items": [{"name": "a/b", "type": "locator", "children": [
+        {"name": "c/d/e", "type": "locator", "rotation": [0, 10, 0]}]}],
+        "selection": ["a/b/Rotation", "c/d/e/Rotation"], "itemList": ["a/b"],
+        "links": [{"from": "a/b/Position.pos.X", "to": "c/d/e/Position.pos.Y"}]},
     "matrix_channels": {"items": [{"name": "M", "type": "locator", "transforms": []},
                                   {"name": "N", "type": "locator", "scale": [0, 1, 1]}],
                         "links": [{"from": "N.localMatrix", "to": "M.parentMatrix"}]},

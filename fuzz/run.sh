@@ -13,7 +13,8 @@ CC=clang CXX=clang++ bash scripts/build.sh "$dir" -DCMAKE_BUILD_TYPE=RelWithDebI
   -DGLTFIO_FUZZ=ON -DGLTFIO_TESTS=OFF -DGLTFIO_BENCH=OFF
 
 work="$dir/fuzz"
-rm -rf "$work/seeds"
+# Findings of earlier runs go: what is left after this run is this run's.
+rm -rf "$work/seeds" "$work/artifacts"
 mkdir -p "$work/corpus" "$work/artifacts"
 python3 fuzz/make_seeds.py "$work/seeds"
 
@@ -33,8 +34,8 @@ if ((status != 0)); then
   tail -n 60 "$log"
   for finding in "$work"/artifacts/*; do
     [[ -f "$finding" ]] || continue
-    echo "fuzz: finding $finding ($(stat -c %s "$finding") bytes):"
-    head -c 2048 "$finding" | od -An -c | head -n 40
+    echo "fuzz: finding $finding ($(stat -c %s "$finding") bytes; the first is the settings byte):"
+    head -c 512 "$finding" | od -An -c | head -n 32
   done
   echo "fuzz: the save fuzzer failed (status $status); reproduce with: $dir/bin/save_fuzzer FILE"
   exit 1
