@@ -130,13 +130,7 @@ StagedFile* StagedFiles::create(const std::string& destination) {
       return nullptr;
     }
     ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
-    file.stream_ = ::fdopen(fd, "wb");
-    if (!file.stream_) {
-      failWrite(destination, errno);
-      ::close(fd);
-      return nullptr;
-    }
-    return &file;
+    return adoptStream(file, fd, destination);
   }
 
   // The name is cut so that a destination near the name length limit still
@@ -154,13 +148,15 @@ StagedFile* StagedFiles::create(const std::string& destination) {
   }
   file.temporary_ = pattern.data();
   ::fchmod(fd, newFileMode());
+  return adoptStream(file, fd, destination);
+}
+
+StagedFile* StagedFiles::adoptStream(StagedFile& file, int fd, const std::string& destination) {
   file.stream_ = ::fdopen(fd, "wb");
-  if (!file.stream_) {
-    failWrite(destination, errno);
-    ::close(fd);
-    return nullptr;
-  }
-  return &file;
+  if (file.stream_) return &file;
+  failWrite(destination, errno);
+  ::close(fd);
+  return nullptr;
 }
 
 bool StagedFiles::finish(StagedFile& file) {

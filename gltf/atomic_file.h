@@ -67,6 +67,9 @@ class StagedFiles {
   const std::string& error() const { return error_; }
 
  private:
+  // Wraps the open descriptor in the file's stream; null (fd closed) on failure.
+  StagedFile* adoptStream(StagedFile& file, int fd, const std::string& destination);
+
   std::list<StagedFile> files_;  // stable addresses for the handles given out
   std::string error_;
 };
