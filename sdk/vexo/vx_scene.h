@@ -16,6 +16,7 @@
 class IVxScene;
 class IVxLocatorService;
 class IVxMeshService;
+class IVxShaderService;
 
 using VxTypeCode = std::int32_t;
 constexpr VxTypeCode VX_TYPE_ANY = -1;  // "every item" in scene queries
@@ -98,9 +99,10 @@ class IVxScene {
   virtual double Time() const = 0;
   virtual VxResult SetTime(double time) = 0;
 
-  // Further views of the scene (vx_locator.h, vx_mesh.h); null when the host has none.
+  // Further views of the scene (vx_locator.h, vx_mesh.h, vx_shade.h); null when the host has none.
   virtual IVxLocatorService* LocatorService() { return nullptr; }
   virtual IVxMeshService* MeshService() { return nullptr; }
+  virtual IVxShaderService* ShaderService() { return nullptr; }
 
  protected:
   ~IVxScene() = default;
