@@ -44,6 +44,8 @@ struct ExportContext {
   // The scene's current evaluation ("edit" at the current time), opened once.
   CVxChannelRead edit;
   ItemTypes types{};
+  // The item whose channels a phase is reading, as the saver tracks it.
+  CVxUser_Item currentItem;
 
   std::unique_ptr<GltfDocument> document;
   std::uint32_t documentRoot = GltfDocument::kNone;

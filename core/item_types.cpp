@@ -41,6 +41,7 @@ constexpr TypeName kTypeNames[] = {
     {"unityShader", &ItemTypes::unityShader},
     {"unrealShader", &ItemTypes::unrealShader},
     {"replicator", &ItemTypes::replicator},
+    {"glTFShader", &ItemTypes::glTFShader},
 };
 
 }  // namespace

@@ -53,13 +53,14 @@ std::uint32_t MeshExporter::exportMesh(const CVxUser_Item& item) {
     log.error("   Host failed to give %u triangles of mesh:%s", walk.failedTriangles, name.c_str());
 
   const std::vector<float> positions = readPositions(mesh);
+  const std::vector<std::string>& uvMaps = uvMaps_[gltfMesh] = maps.uvNames;
   for (const PrimitiveBuild& build : builder.primitives()) {
     GltfPrimitiveDesc primitive;
     primitive.attributes = writeVertexAttributes(document, builder.layout(), build, positions);
     primitive.indices = document.addIndexAccessor(build.indices);
     const std::uint32_t index = document.addPrimitive(gltfMesh, primitive);
     if (options.materials != 0) {
-      primitiveTags_.push_back({gltfMesh, index, build.tag});
+      primitiveTags_.push_back({gltfMesh, index, build.tag, name, &uvMaps});
       log.info("   material:%s polyInds:%lu", build.tag.c_str(), static_cast<unsigned long>(build.indices.size()));
     }
   }

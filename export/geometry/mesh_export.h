@@ -14,6 +14,8 @@ struct PrimitiveTag {
   std::uint32_t mesh;
   std::uint32_t primitive;
   std::string tag;
+  std::string meshName;              // the item that made the mesh
+  const std::vector<std::string>* uvMaps;  // the mesh's UV map names: TEXCOORD_n is uvMaps[n]
 };
 
 class MeshExporter : public MeshSource {
@@ -30,4 +32,5 @@ class MeshExporter : public MeshSource {
   ExportContext& context_;
   std::unordered_map<std::string, std::uint32_t> cache_;  // host mesh identity -> glTF mesh
   std::vector<PrimitiveTag> primitiveTags_;
+  std::unordered_map<std::uint32_t, std::vector<std::string>> uvMaps_;  // by glTF mesh
 };

@@ -46,7 +46,9 @@ MeshMaps chooseMeshMaps(const CVxMesh& mesh, const std::string& itemName, bool t
   std::stable_sort(uvs.begin(), uvs.end(), [](const CVxMapEntry& a, const CVxMapEntry& b) { return a.name < b.name; });
   for (const CVxMapEntry& map : uvs) {
     log.info("   uv vmap:%s count:%u", map.name.c_str(), mesh.mapValueCount(map.id));
-    if (fits(mesh, map, 2, itemName, log)) maps.uvs.push_back(map.id);
+    if (!fits(mesh, map, 2, itemName, log)) continue;
+    maps.uvs.push_back(map.id);
+    maps.uvNames.push_back(map.name);
   }
 
   if (tangents) {

@@ -13,6 +13,7 @@ struct MeshMaps {
   std::vector<VxMapID> colours;       // "RGB " maps, then "RGBA" maps
   std::vector<bool> colourHasAlpha;   // per colour map
   std::vector<VxMapID> uvs;           // "TXUV" maps sorted by name: set n is uvs[n]
+  std::vector<std::string> uvNames;   // the name of each of uvs
   std::vector<VxMapID> tangentBases;  // "TBAS" maps, only with tangents on
 
   CornerLayout layout() const { return {colours.size(), uvs.size(), tangentBases.size()}; }
