@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -236,6 +237,45 @@ TEST(ImageClips, FilesResolveBesideTheSceneAndTellTheirFormatAndSize) {
   EXPECT_EQ(shading->ClipFileName(sdk.wrap(scene.findName("Bare")), &path), VXR_NOTFOUND);
   EXPECT_EQ(path, nullptr);
   EXPECT_EQ(infoOf(sdk.wrap(scene.findName("Bare")), VXR_NOTFOUND).format, VX_IMAGE_UNKNOWN);
+}
+
+
+// Child index of a layer under its parent.
+std::size_t childIndex(const Item& layer) {
+  const auto& siblings = layer.parent()->children();
+  return static_cast<std::size_t>(std::find(siblings.begin(), siblings.end(), &layer) - siblings.begin());
+}
+
+TEST(ShaderTreeExamples, EveryImageMapShowsAnExistingTextureAndLayersStackAsCommented) {
+  for (const char* name : {"textured.json", "materials.json"}) {
+    Scene scene;
+    std::string error;
+    ASSERT_TRUE(readSceneFile(std::string(EXAMPLES_DIR) + "/" + name, scene, error)) << error;
+    SdkScene sdk(scene);
+    IVxShaderService* shading = sdk.ShaderService();
+    std::size_t maps = 0;
+    for (Item* map : scene.itemsOfType(scene.types().find("imageMap"))) {
+      ++maps;
+      IVxItem* clip = nullptr;
+      IVxItem* locator = nullptr;
+      ASSERT_EQ(shading->LayerClip(sdk.wrap(map), &clip), VXR_OK) << name << ": " << map->name();
+      EXPECT_EQ(shading->LayerTextureLocator(sdk.wrap(map), &locator), VXR_OK) << name << ": " << map->name();
+      VxImageInfo info{};
+      ASSERT_EQ(shading->ClipImageInfo(clip, &info), VXR_OK) << name << ": " << clip->Name();
+      const std::string file = clip->Name();
+      EXPECT_EQ(info.format, file.substr(file.size() - 4) == ".png" ? VX_IMAGE_PNG : VX_IMAGE_JPEG) << file;
+      EXPECT_EQ(info.width, 64u);
+      EXPECT_EQ(info.height, 64u);
+    }
+    EXPECT_GE(maps, 5u) << name;
+  }
+
+  Scene scene;
+  std::string error;
+  ASSERT_TRUE(readSceneFile(EXAMPLES_DIR "/materials.json", scene, error)) << error;
+  // The warnings the file is made for depend on which layer lies above which.
+  EXPECT_GT(childIndex(*scene.findName("Vexo Above Dissolve")), childIndex(*scene.findName("Vexo Above Material")));
+  EXPECT_LT(childIndex(*scene.findName("Glass Dissolve")), childIndex(*scene.findName("Glass Material")));
 }
 
 }  // namespace
