@@ -7,7 +7,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-packages=(cmake g++ make rapidjson-dev libcli11-dev libgtest-dev libgmock-dev)
+packages=(cmake g++ make rapidjson-dev libcli11-dev libgtest-dev libgmock-dev libstb-dev)
 if [[ "${1:-}" == "--test" ]]; then
   command -v node >/dev/null 2>&1 || packages+=(nodejs)
   command -v npm >/dev/null 2>&1 || packages+=(npm)

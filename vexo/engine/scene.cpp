@@ -159,6 +159,12 @@ std::vector<Item*> Scene::itemsOfType(TypeCode type) const {
   return result;
 }
 
+void Scene::reverseChildren(Item& parent) {
+  std::reverse(parent.children_.begin(), parent.children_.end());
+  ++revision_;
+  ++valueRevision_;
+}
+
 void Scene::select(Item& item, std::string_view selectionType) {
   auto it = selections_.find(selectionType);
   if (it == selections_.end()) it = selections_.emplace(std::string(selectionType), std::vector<Item*>{}).first;

@@ -17,6 +17,7 @@
 #include "engine/item_types.h"
 #include "engine/locator_types.h"
 #include "engine/mesh_store.h"
+#include "shading/shading_store.h"
 
 namespace vexo {
 
@@ -102,6 +103,13 @@ class Scene {
 
   // The meshes of the scene's "mesh", "triSurf" and "meshInst" items.
   MeshStore& meshes() { return meshes_; }
+  // Image clips' files and the clips and texture locators of image maps.
+  ShadingStore& shading() { return shading_; }
+  const ShadingStore& shading() const { return shading_; }
+
+  // Turns an item's children around, last first; scene order stays as it is.
+  // Shader-tree files list a layer's layers top first, the reverse of child order.
+  void reverseChildren(Item& parent);
 
   double time() const { return time_; }
   void setTime(double time) { time_ = time; }
@@ -130,6 +138,7 @@ class Scene {
   ChannelLinks links_;
   std::vector<Item*> itemList_;
   MeshStore meshes_{*types_};
+  ShadingStore shading_;
   double time_ = 0.0;
   std::uint64_t revision_ = 0;
   std::uint64_t valueRevision_ = 0;

@@ -72,6 +72,7 @@ bool SceneReader::read(const JsonNode& root) {
     scene_.setTime(time->number);
   }
   if (JsonError e; !meshes_.resolveSources(e)) return fail(e.pos, e.message);
+  if (!resolveShadingRefs()) return false;
   if (!checkActions()) return false;
   if (const JsonNode* selection = member(root, "selection"); selection && !readSelection(*selection)) return false;
   if (const JsonNode* links = member(root, "links"); links && !readLinks(*links)) return false;
@@ -126,8 +127,9 @@ bool SceneReader::collectIds(const JsonNode& items) {
     if (item.kind != Kind::Object) continue;
     if (const JsonNode* id = member(item, "id"); id && !reserveId(*id)) return false;
     if (!collectTransformIds(item)) return false;
-    if (const JsonNode* children = member(item, "children"); children && children->kind == Kind::Array)
-      if (!collectIds(*children)) return false;
+    for (const char* key : {"children", "layers"})
+      if (const JsonNode* children = member(item, key); children && children->kind == Kind::Array)
+        if (!collectIds(*children)) return false;
   }
   return true;
 }
@@ -149,7 +151,15 @@ bool SceneReader::readItem(const JsonNode& node, Item* parent) {
   if (type && type->kind == Kind::String && code == kNoType)
     return fail(type->pos, "unknown item type " + inQuotes(type->text));
   if (code != kNoType && !locator && !checkNotLocatorKeys(node, type->text)) return false;
-  if (!checkKeys(node, itemKeys(locator), "in an item")) return false;
+  const KeyList* keys = &itemKeys(locator);
+  KeyList withShading;
+  if (code != kNoType && !shadingItemKeys(scene_.types(), code).empty()) {
+    const KeyList& more = shadingItemKeys(scene_.types(), code);
+    withShading = *keys;
+    withShading.insert(withShading.end(), more.begin(), more.end());
+    keys = &withShading;
+  }
+  if (!checkKeys(node, *keys, "in an item")) return false;
   if (!name) return fail(node.pos, "item has no \"name\"");
   if (!expect(*name, Kind::String, "\"name\"")) return false;
   if (name->text.empty()) return fail(name->pos, "item name is empty");
@@ -170,6 +180,7 @@ bool SceneReader::readItem(const JsonNode& node, Item* parent) {
   if (locator && !readTransformStack(node, *item)) return false;
   if (!readItemBody(node, *item)) return false;
   if (JsonError e; !meshes_.readItem(node, *item, e)) return fail(e.pos, e.message);
+  if (!readShadingFields(node, *item)) return false;
   if (const JsonNode* children = member(node, "children")) {
     if (!expect(*children, Kind::Array, "\"children\"") || !readItems(*children, item)) return false;
   }

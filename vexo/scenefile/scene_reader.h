@@ -25,6 +25,9 @@ std::string describe(const JsonNode& node);
 std::string keyList(const KeyList& keys);
 // The keys a locator item takes besides those of every item.
 const KeyList& locatorItemKeys();
+// The keys an item of a shader-tree type (a layer, an image map, an image clip)
+// takes besides those of every item; empty for other types.
+const KeyList& shadingItemKeys(const TypeRegistry& types, TypeCode type);
 
 class SceneReader {
  public:
@@ -77,6 +80,15 @@ class SceneReader {
   bool readChannelRef(const JsonNode& node, const std::string& what, Item*& item, std::size_t& channel);
   bool readItemList(const JsonNode& list);
 
+  // Shader-tree layers, image clips' files and image maps' links (shading_fields.cpp).
+  bool readShadingFields(const JsonNode& node, Item& item);
+  bool readLayers(const JsonNode& layers, Item& parent);
+  bool readClipFile(const JsonNode& file, Item& clip);
+  // Links image maps to their clips and texture locators, once every item is read.
+  bool resolveShadingRefs();
+  Item* clipForImage(const JsonNode& image);
+  std::string fullPath(const std::string& path) const;
+
   const std::string& fileName_;
   Scene& scene_;
   MeshReader meshes_;
@@ -84,6 +96,14 @@ class SceneReader {
   // Per base of generated idents, the first suffix number that may be free.
   std::unordered_map<std::string, unsigned> nextSuffix_;
   std::vector<ActionUse> actionUses_;
+  // An image map's "clip", "image" and "locator" values, resolved after all items.
+  struct ShadingRefs {
+    Item* layer;
+    const JsonNode* clip;
+    const JsonNode* image;
+    const JsonNode* locator;
+  };
+  std::vector<ShadingRefs> shadingRefs_;
   std::string error_;
 };
 

@@ -12,6 +12,7 @@
 #include "engine/evaluation.h"
 #include "engine/scene.h"
 #include "sdk_impl/sdk_scene_meshes.h"
+#include "sdk_impl/sdk_shading.h"
 #include "vexo/vx_scene.h"
 
 namespace vexo {
@@ -76,6 +77,7 @@ class SdkScene final : public IVxScene {
   // same action and time, so that matrices computed once serve them all.
   Evaluation& evaluation(const char* action, double time);
   IVxMeshService* MeshService() override { return &meshService_; }
+  IVxShaderService* ShaderService() override { return &shaderService_; }
 
  private:
   // Items of one type in scene order, kept until the scene changes.
@@ -92,6 +94,7 @@ class SdkScene final : public IVxScene {
   std::unique_ptr<SdkLocatorService> locatorService_;
   std::unique_ptr<Evaluation> evaluation_;
   SdkSceneMeshes meshService_{*this};
+  SdkShaderService shaderService_{*this};
 };
 
 // Maps an engine value type to its SDK code.
