@@ -81,13 +81,6 @@ class HostLayers : public ShaderLayers {
   const CVxChannelRead& setup_;
 };
 
-// A UV set's index among the mesh's TEXCOORD sets, or -1.
-long uvSetIndex(const std::vector<std::string>* uvMaps, const std::string& uvMap) {
-  if (!uvMaps) return -1;
-  const auto found = std::find(uvMaps->begin(), uvMaps->end(), uvMap);
-  return found == uvMaps->end() ? -1 : static_cast<long>(found - uvMaps->begin());
-}
-
 }  // namespace
 
 MaterialExporter::MaterialExporter(ExportContext& context)
@@ -102,18 +95,10 @@ void MaterialExporter::run(const std::vector<PrimitiveTag>& primitives) {
       c_.log.error("Failed to create material:%s", primitive.tag.c_str());
   }
 
-  std::vector<Material*> used;
   for (const PrimitiveTag& primitive : primitives) {
     const auto found = cache_.find(primitive.tag);
     if (found == cache_.end()) continue;
-    Material& material = found->second;
-    c_.document->setPrimitiveMaterial(primitive.mesh, primitive.primitive, material.index);
-    if (!material.onMesh) used.push_back(&material);
-    useOnMesh(material, primitive);
-  }
-  for (Material* material : used) {
-    applySlots(material->desc, material->slots);
-    c_.document->setMaterial(material->index, material->desc);
+    c_.document->setPrimitiveMaterial(primitive.mesh, primitive.primitive, materialOnMesh(found->second, primitive));
   }
 }
 
@@ -138,7 +123,7 @@ std::uint32_t MaterialExporter::materialFor(const std::string& tag) {
   const auto cached = cache_.find(tag);
   if (cached != cache_.end()) return cached->second.index;
 
-  Material material{GltfDocument::kNone, GltfMaterialDesc(), MaterialSlots(), false, std::string()};
+  Material material{GltfDocument::kNone, GltfMaterialDesc(), MaterialSlots(), {}, std::string()};
   material.desc.name = tag;
   const auto mask = maskIndex_.find(tag);
   if (mask == maskIndex_.end()) {
@@ -172,10 +157,7 @@ std::uint32_t MaterialExporter::materialFor(const std::string& tag) {
   const std::uint32_t index = addMaterial(tag, material);
   if (index == GltfDocument::kNone) return index;
 
-  Material& stored = cache_.at(tag);
-  attachTextures(stored, walk.textures);
-  applySlots(stored.desc, stored.slots);
-  c_.document->setMaterial(index, stored.desc);
+  attachTextures(cache_.at(tag), walk.textures);
   return index;
 }
 
@@ -267,27 +249,39 @@ std::uint32_t MaterialExporter::gltfTexture(const std::string& layerName, const 
   return c_.document->addTexture(layerName, record.name, sampler->second, image);
 }
 
-void MaterialExporter::useOnMesh(Material& material, const PrimitiveTag& primitive) {
-  const bool first = !material.onMesh;
-  if (first) {
-    material.onMesh = true;
+std::uint32_t MaterialExporter::materialOnMesh(Material& material, const PrimitiveTag& primitive) {
+  static const std::vector<std::string> kNoUvSets;
+  const std::vector<std::string>& uvSets = primitive.uvMaps ? *primitive.uvMaps : kNoUvSets;
+  const char* mesh = primitive.meshName.c_str();
+  const char* tag = material.desc.name.c_str();
+  std::vector<std::string> missing;
+  const SlotCoords coords = slotTexCoords(material.slots, uvSets, missing);
+  const bool dropped = std::find(coords.begin(), coords.end(), kSlotNoUvSet) != coords.end();
+  if (dropped) {
+    c_.log.warning("      Mesh:%s has no UV map for the textures of material:%s; they are left out on it", mesh, tag);
+  } else {
+    for (const std::string& uvMap : missing)
+      c_.log.warning("      Mesh:%s has no UV map %s for material:%s; TEXCOORD_0 is used", mesh, uvMap.c_str(), tag);
+  }
+  for (const auto& [known, index] : material.variants) {
+    if (known == coords) return index;
+  }
+
+  GltfMaterialDesc desc = material.desc;
+  applySlots(desc, material.slots, coords);
+  std::uint32_t index = material.index;
+  if (material.variants.empty()) {
     material.firstMesh = primitive.meshName;
+    c_.document->setMaterial(index, desc);
+  } else {
+    if (!dropped)
+      c_.log.warning(
+        "      Mesh:%s holds the UV maps of material:%s at other TEXCOORD sets than mesh:%s; it gets a copy of the "
+        "material",
+        mesh, tag, material.firstMesh.c_str());
+    index = c_.document->addMaterial(desc);
+    if (index == GltfDocument::kNone) return material.index;
   }
-  for (SlotTexture MaterialSlots::*member : kMaterialSlots) {
-    SlotTexture& slot = material.slots.*member;
-    if (slot.index == GltfDocument::kNone || slot.uvMap.empty()) continue;
-    const long set = uvSetIndex(primitive.uvMaps, slot.uvMap);
-    const std::uint32_t texCoord = set < 0 ? 0 : static_cast<std::uint32_t>(set);
-    if (first) {
-      slot.texCoord = texCoord;
-      if (set < 0)
-        c_.log.warning("      Mesh:%s has no UV map %s for material:%s; its textures use TEXCOORD_0",
-                       primitive.meshName.c_str(), slot.uvMap.c_str(), material.desc.name.c_str());
-    } else if (texCoord != slot.texCoord || set < 0) {
-      c_.log.warning("      Mesh:%s has UV map %s of material:%s %s; the material keeps TEXCOORD_%u of mesh:%s",
-                     primitive.meshName.c_str(), slot.uvMap.c_str(), material.desc.name.c_str(),
-                     set < 0 ? "nowhere" : ("at TEXCOORD_" + std::to_string(set)).c_str(), slot.texCoord,
-                     material.firstMesh.c_str());
-    }
-  }
+  material.variants.emplace_back(coords, index);
+  return index;
 }

@@ -35,8 +35,10 @@ class MaterialExporter {
     std::uint32_t index;
     GltfMaterialDesc desc;
     MaterialSlots slots;
-    bool onMesh;            // a primitive uses it: its mesh's UV sets chose the "texCoord"s
-    std::string firstMesh;  // that mesh
+    // The document's materials for it, one per way meshes place its UV maps
+    // among their TEXCOORD sets; the first is `index`.
+    std::vector<std::pair<SlotCoords, std::uint32_t>> variants;
+    std::string firstMesh;  // the mesh that made the first variant
   };
 
   void buildMaskIndex();
@@ -46,7 +48,8 @@ class MaterialExporter {
   // the layer has no clip or the clip no file.
   const TextureRecord* textureFor(const CVxUser_Item& layer);
   std::uint32_t gltfTexture(const std::string& layerName, const TextureRecord& record);
-  void useOnMesh(Material& material, const PrimitiveTag& primitive);
+  // The material the primitive's mesh needs: the tag's, or a copy with other "texCoord"s.
+  std::uint32_t materialOnMesh(Material& material, const PrimitiveTag& primitive);
 
   ExportContext& c_;
   CVxShading shading_;

@@ -1,5 +1,7 @@
 #include "texture_slots.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr std::int32_t kNoRule = -1;
@@ -89,14 +91,36 @@ void attachTexture(MaterialSlots& slots, const std::string& effect, const std::s
   }
 }
 
-void applySlots(GltfMaterialDesc& material, const MaterialSlots& slots) {
+SlotCoords slotTexCoords(const MaterialSlots& slots, const std::vector<std::string>& uvSets,
+                         std::vector<std::string>& missing) {
+  SlotCoords coords;
+  for (std::size_t i = 0; i < coords.size(); ++i) {
+    const SlotTexture& slot = slots.*kMaterialSlots[i];
+    if (slot.index == GltfDocument::kNone) {
+      coords[i] = kSlotEmpty;
+      continue;
+    }
+    const auto found = std::find(uvSets.begin(), uvSets.end(), slot.uvMap);
+    if (found != uvSets.end()) {
+      coords[i] = static_cast<std::int32_t>(found - uvSets.begin());
+      continue;
+    }
+    coords[i] = uvSets.empty() ? kSlotNoUvSet : 0;
+    if (!slot.uvMap.empty() && std::find(missing.begin(), missing.end(), slot.uvMap) == missing.end())
+      missing.push_back(slot.uvMap);
+  }
+  return coords;
+}
+
+void applySlots(GltfMaterialDesc& material, const MaterialSlots& slots, const SlotCoords& coords) {
   GltfTextureRef GltfMaterialDesc::* const refs[5] = {
       &GltfMaterialDesc::baseColorTexture, &GltfMaterialDesc::metallicRoughnessTexture,
       &GltfMaterialDesc::normalTexture, &GltfMaterialDesc::occlusionTexture, &GltfMaterialDesc::emissiveTexture};
-  for (int i = 0; i < 5; ++i) {
-    const SlotTexture& slot = slots.*kMaterialSlots[i];
-    if (slot.index == GltfDocument::kNone) continue;
-    (material.*refs[i]).index = slot.index;
-    (material.*refs[i]).texCoord = slot.texCoord;
+  for (std::size_t i = 0; i < coords.size(); ++i) {
+    GltfTextureRef& ref = material.*refs[i];
+    ref = GltfTextureRef();
+    if (coords[i] < 0) continue;
+    ref.index = (slots.*kMaterialSlots[i]).index;
+    ref.texCoord = static_cast<std::uint32_t>(coords[i]);
   }
 }

@@ -2,8 +2,10 @@
 // image map is set up (channel swizzling, image shared with another slot).
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "core/gltf_log_msg.h"
 #include "gltf/document.h"
@@ -12,8 +14,7 @@
 struct SlotTexture {
   std::uint32_t index = GltfDocument::kNone;  // the glTF texture; kNone: the slot is empty
   std::string imageFile;                       // compared whole for the same-image rule
-  std::string uvMap;                           // becomes "texCoord" once a mesh uses the material
-  std::uint32_t texCoord = 0;
+  std::string uvMap;                           // becomes "texCoord" per mesh that uses the material
 };
 
 // What the image map's "swizzling" and "rgba" channels hold.
@@ -44,5 +45,18 @@ enum SwizzleCode : std::int32_t {
 void attachTexture(MaterialSlots& slots, const std::string& effect, const std::string& layerName,
                    const SlotTexture& texture, const Swizzle& swizzle, GltfLogMsg& log);
 
-// Copies the filled slots (index and texCoord) into the material's texture keys.
-void applySlots(GltfMaterialDesc& material, const MaterialSlots& slots);
+// Per slot (in kMaterialSlots order), what a mesh makes of it: the "texCoord"
+// of the slot's UV map among the mesh's UV sets, or one of these.
+inline constexpr std::int32_t kSlotEmpty = -1;    // the material has no texture there
+inline constexpr std::int32_t kSlotNoUvSet = -2;  // the mesh has no UV set at all: the texture is left out
+using SlotCoords = std::array<std::int32_t, 5>;
+
+// The slots' "texCoord"s on a mesh whose TEXCOORD_n is `uvSets[n]`. A UV map
+// the mesh lacks (or a texture without one) reads set 0; its name goes to
+// `missing` once.
+SlotCoords slotTexCoords(const MaterialSlots& slots, const std::vector<std::string>& uvSets,
+                         std::vector<std::string>& missing);
+
+// Copies the filled slots into the material's texture keys with their
+// "texCoord"s; slots marked kSlotEmpty or kSlotNoUvSet stay out.
+void applySlots(GltfMaterialDesc& material, const MaterialSlots& slots, const SlotCoords& coords);

@@ -104,18 +104,39 @@ TEST(TextureSlots, SharedImageRulesWarnOnlyForTheSecondOfTwoFiles) {
   EXPECT_EQ(slots.metallicRoughness.index, 2u);
 }
 
-TEST(TextureSlots, TheSlotsReachTheMaterialWithTheirTexCoords) {
+TEST(TextureSlots, EachMeshPlacesTheSlotsOnItsOwnUvSets) {
   MaterialSlots slots;
-  slots.normal = texture(3, "n.png");
-  slots.normal.texCoord = 1;
   slots.baseColor = texture(5, "b.png");
+  slots.baseColor.uvMap = "Texture";
+  slots.normal = texture(3, "n.png");
+  slots.normal.uvMap = "Decal";
+  slots.emissive = texture(7, "e.png");  // projected without a UV map
+  struct Case {
+    std::vector<std::string> uvSets;
+    SlotCoords coords;
+    std::vector<std::string> missing;
+  };
+  const Case cases[] = {
+      {{"Decal", "Texture"}, {1, kSlotEmpty, 0, kSlotEmpty, 0}, {}},
+      {{"Texture", "Decal"}, {0, kSlotEmpty, 1, kSlotEmpty, 0}, {}},
+      {{"Other"}, {0, kSlotEmpty, 0, kSlotEmpty, 0}, {"Texture", "Decal"}},
+      {{}, {kSlotNoUvSet, kSlotEmpty, kSlotNoUvSet, kSlotEmpty, kSlotNoUvSet}, {"Texture", "Decal"}},
+  };
+  for (const Case& c : cases) {
+    std::vector<std::string> missing;
+    EXPECT_EQ(slotTexCoords(slots, c.uvSets, missing), c.coords);
+    EXPECT_EQ(missing, c.missing);
+  }
+
   GltfMaterialDesc material;
-  applySlots(material, slots);
-  EXPECT_EQ(material.normalTexture.index, 3u);
-  EXPECT_EQ(material.normalTexture.texCoord, 1u);
+  material.occlusionTexture.index = 9;  // left from an earlier use: cleared
+  applySlots(material, slots, {1, kSlotEmpty, 0, kSlotEmpty, kSlotNoUvSet});
   EXPECT_EQ(material.baseColorTexture.index, 5u);
-  EXPECT_EQ(material.occlusionTexture.index, GltfDocument::kNone);
+  EXPECT_EQ(material.baseColorTexture.texCoord, 1u);
+  EXPECT_EQ(material.normalTexture.index, 3u);
+  EXPECT_EQ(material.normalTexture.texCoord, 0u);
   EXPECT_EQ(material.emissiveTexture.index, GltfDocument::kNone);
+  EXPECT_EQ(material.occlusionTexture.index, GltfDocument::kNone);
   EXPECT_EQ(material.metallicRoughnessTexture.index, GltfDocument::kNone);
 }
 

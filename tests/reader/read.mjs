@@ -2,9 +2,11 @@
 // what a viewer would see: every node with its world matrix, every mesh
 // with its primitives' indices and attribute values, every camera.
 //   node read.mjs FILE
-import { NodeIO } from '@gltf-transform/core';
+import { Logger, NodeIO } from '@gltf-transform/core';
 
-const io = new NodeIO();
+// Only errors: the warning about an extension it does not read
+// (KHR_materials_unlit) would land in the JSON printed below.
+const io = new NodeIO().setLogger(new Logger(Logger.Verbosity.ERROR));
 const document = await io.read(process.argv[2]);
 const root = document.getRoot();
 
