@@ -3,6 +3,8 @@
 // image bytes beside a ".gltf" or inside a ".glb".
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
+#define STB_IMAGE_WRITE_IMPLEMENTATION
+#include <stb/stb_image_write.h>
 
 #include <cstdint>
 #include <cstring>
@@ -365,6 +367,27 @@ TEST_P(MaterialExport, TexturesImagesAndSamplers) {
   }
   EXPECT_EQ(seen.size(), mimeTypes.size());
   for (const auto& [file, n] : seen) EXPECT_EQ(n, 1) << file;
+}
+
+// An image of a format other than PNG and JPEG is written without "mimeType";
+// its bytes go out unchanged.
+TEST_P(MaterialExport, OtherImageFormatsHaveNoMimeType) {
+  Save s;
+  const unsigned char pixels[] = {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 0};
+  const std::string bmp = s.dir.file("paint.bmp");
+  ASSERT_NE(stbi_write_bmp(bmp.c_str(), 2, 2, 3, pixels), 0);
+  s.run(sceneOf({quads("Board", {"Paint"})},
+                {mask("Paint", {imageMap("paint.bmp (Image)", bmp, "baseColorGLTF", 1, 0), gltfShader("Paint Material")})}),
+        std::string("board.") + GetParam());
+  const rapidjson::Value& images = s.written.json["images"];
+  ASSERT_EQ(images.Size(), 1u);
+  EXPECT_FALSE(images[0].HasMember("mimeType"));
+  if (s.glb) {
+    const rapidjson::Value& view = s.written.json["bufferViews"][images[0]["bufferView"].GetUint()];
+    EXPECT_EQ(s.written.bin.substr(view["byteOffset"].GetUint(), view["byteLength"].GetUint()), readFile(bmp));
+  } else {
+    EXPECT_STREQ(images[0]["uri"].GetString(), "paint.bmp");
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, MaterialExport, ::testing::Values("glb", "gltf"));

@@ -34,4 +34,17 @@ TEST(ValidatorCheck, RejectsFindingsOutsideTheAllowlist) {
   EXPECT_FALSE(isValidGltf(dir / "nothing.glb"));
 }
 
+TEST(ValidatorCheck, AStarInAnAllowedPointerStandsForOneSegment) {
+  // The allowlist names "/images/*/bufferView" for UNSATISFIED_DEPENDENCY.
+  EXPECT_TRUE(isAllowedFinding({"UNSATISFIED_DEPENDENCY", 0, "/images/0/bufferView", ""}));
+  EXPECT_TRUE(isAllowedFinding({"UNSATISFIED_DEPENDENCY", 0, "/images/12/bufferView", ""}));
+  EXPECT_FALSE(isAllowedFinding({"UNSATISFIED_DEPENDENCY", 0, "/images/0/uri", ""}));
+  EXPECT_FALSE(isAllowedFinding({"UNSATISFIED_DEPENDENCY", 0, "/images/bufferView", ""}));
+  EXPECT_FALSE(isAllowedFinding({"UNSATISFIED_DEPENDENCY", 0, "/images/0/bufferView/1", ""}));
+  EXPECT_FALSE(isAllowedFinding({"UNSATISFIED_DEPENDENCY", 0, "/textures/0/bufferView", ""}));
+  EXPECT_FALSE(isAllowedFinding({"UNSATISFIED_DEPENDENCY", 0, "", ""}));
+  // Without a star the pointer must match whole.
+  EXPECT_FALSE(isAllowedFinding({"VALUE_NOT_IN_RANGE", 0, "/buffers/1/byteLength", ""}));
+}
+
 }  // namespace

@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -146,13 +147,29 @@ bool runGltfValidator(const std::string& path, std::vector<GltfFinding>& finding
   return true;
 }
 
+// A pointer of the allowlist matches segment by segment; "*" stands for any one
+// segment (an array index), so one entry covers every image or material.
+bool pointerMatches(const std::string& pattern, const std::string& pointer) {
+  std::size_t p = 0, q = 0;
+  while (p <= pattern.size() && q <= pointer.size()) {
+    const std::size_t pEnd = std::min(pattern.find('/', p), pattern.size());
+    const std::size_t qEnd = std::min(pointer.find('/', q), pointer.size());
+    const std::string segment = pattern.substr(p, pEnd - p);
+    if (segment != "*" && segment != pointer.substr(q, qEnd - q)) return false;
+    if (pEnd == pattern.size() || qEnd == pointer.size()) return pEnd == pattern.size() && qEnd == pointer.size();
+    p = pEnd + 1;
+    q = qEnd + 1;
+  }
+  return false;
+}
+
 bool isAllowedFinding(const GltfFinding& finding) {
   std::string problem;
   for (const AllowedFinding& allowed : allowlist(problem)) {
     if (allowed.code != finding.code) continue;
     if (allowed.pointers.empty()) return true;
     for (const std::string& pointer : allowed.pointers) {
-      if (pointer == finding.pointer) return true;
+      if (pointerMatches(pointer, finding.pointer)) return true;
     }
   }
   return false;
