@@ -390,6 +390,22 @@ TEST_P(MaterialExport, OtherImageFormatsHaveNoMimeType) {
   }
 }
 
+TEST(MaterialExportOff, WithMaterialsOffEveryPrimitiveKeepsTheDefault) {
+  TempDir dir;
+  const std::string scene =
+      sceneOf({quads("Board", {"Glass", "Unknown"})}, {mask("Glass", {gltfShader("Glass Material")})});
+  const SavedScene saved = saveAndRead(
+      dir, scene, "off.gltf", {"--set", "sceneio.gltf.save.exportType=0", "--set", "sceneio.gltf.save.materials=0"});
+  Written w;
+  parse(saved.bytes, false, w);
+  EXPECT_FALSE(saved.run.printed("info: Creating materials"));
+  EXPECT_EQ(w.json["materials"].Size(), 1u);
+  EXPECT_FALSE(w.json.HasMember("textures"));
+  const rapidjson::Value& primitives = w.json["meshes"][0]["primitives"];
+  ASSERT_EQ(primitives.Size(), 1u);
+  EXPECT_FALSE(primitives[0].HasMember("material"));
+}
+
 INSTANTIATE_TEST_SUITE_P(Formats, MaterialExport, ::testing::Values("glb", "gltf"));
 
 }  // namespace
