@@ -224,7 +224,6 @@ const TextureRecord* MaterialExporter::textureFor(const CVxUser_Item& layer) {
         layerName.c_str());
   }
   if (locator.test()) {
-    record->hasLocator = true;
     channels.integer("tileU", record->tileU);
     channels.integer("tileV", record->tileV);
     channels.real("wrapU", record->wrapU);

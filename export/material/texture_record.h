@@ -12,7 +12,6 @@ struct TextureRecord {
   std::string uvMap;      // empty unless the locator projects by UV map
   std::int32_t tileU = 0, tileV = 0;
   double wrapU = 0.0, wrapV = 0.0;  // repeat counts
-  bool hasLocator = false;
 };
 
 // `layerName` with its first "(Image)" cut out; the characters around it stay.
