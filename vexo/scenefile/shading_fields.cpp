@@ -19,8 +19,14 @@ struct ShadingTypes {
   TypeCode layer, imageMap, clip, textureLocator;
 };
 
-ShadingTypes shadingTypes(const TypeRegistry& types) {
+ShadingTypes lookUp(const TypeRegistry& types) {
   return {types.find("textureLayer"), types.find("imageMap"), types.find("imageClip"), types.find("txtrLocator")};
+}
+
+// Asked for every item read: the built-in registry's codes are looked up once.
+ShadingTypes shadingTypes(const TypeRegistry& types) {
+  static const ShadingTypes builtin = lookUp(TypeRegistry::builtin());
+  return &types == &TypeRegistry::builtin() ? builtin : lookUp(types);
 }
 
 }  // namespace
