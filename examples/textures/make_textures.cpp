@@ -47,28 +47,30 @@ class Image {
 };
 
 // Quadrants: top-left red, top-right green, bottom-left blue, bottom-right
-// yellow, with a white square near the top-left corner.
+// yellow, with a white square near the top-left corner (clear of the
+// quadrant's centre, where a render is best sampled).
 Image baseColor() {
   Image image({0, 0, 0});
   image.rect(0.0, 0.0, 0.5, 0.5, {220, 40, 40});
   image.rect(0.5, 0.0, 1.0, 0.5, {40, 200, 60});
   image.rect(0.0, 0.5, 0.5, 1.0, {40, 70, 220});
   image.rect(0.5, 0.5, 1.0, 1.0, {235, 215, 40});
-  image.rect(0.125, 0.125, 0.25, 0.25, {255, 255, 255});
+  image.rect(0.0625, 0.0625, 0.1875, 0.1875, {255, 255, 255});
   return image;
 }
 
 // Packed the glTF way: red occlusion (dark grooves along the quadrant edges),
-// green roughness (smooth at the top, rough at the bottom), blue metallic
-// (metal on the right half).
+// green roughness (half rough at the top, fully rough at the bottom), blue
+// metallic (a metal band along the bottom edge only, so that the base colours
+// still show under a plain light).
 Image occlusionRoughnessMetallic() {
   Image image({0, 0, 0});
   for (int y = 0; y < kSize; ++y)
     for (int x = 0; x < kSize; ++x) {
-      const bool groove = std::abs(x - kSize / 2) < 2 || std::abs(y - kSize / 2) < 2;
-      const auto roughness = static_cast<unsigned char>(40 + (y * 200) / (kSize - 1));
+      const bool groove = std::abs(2 * x + 1 - kSize) < 4 || std::abs(2 * y + 1 - kSize) < 4;
+      const auto roughness = static_cast<unsigned char>(128 + (y * 127) / (kSize - 1));
       image.set(x, y, {static_cast<unsigned char>(groove ? 60 : 255), roughness,
-                       static_cast<unsigned char>(x >= kSize / 2 ? 255 : 0)});
+                       static_cast<unsigned char>(y >= kSize - kSize / 8 ? 255 : 0)});
     }
   return image;
 }

@@ -19,8 +19,14 @@ struct ShadingTypes {
   TypeCode layer, imageMap, clip, textureLocator;
 };
 
-ShadingTypes shadingTypes(const TypeRegistry& types) {
+ShadingTypes lookUp(const TypeRegistry& types) {
   return {types.find("textureLayer"), types.find("imageMap"), types.find("imageClip"), types.find("txtrLocator")};
+}
+
+// Asked for every item read: the built-in registry's codes are looked up once.
+ShadingTypes shadingTypes(const TypeRegistry& types) {
+  static const ShadingTypes builtin = lookUp(TypeRegistry::builtin());
+  return &types == &TypeRegistry::builtin() ? builtin : lookUp(types);
 }
 
 }  // namespace
@@ -109,6 +115,13 @@ Item* SceneReader::clipForImage(const JsonNode& image) {
 
 bool SceneReader::resolveShadingRefs() {
   const ShadingTypes codes = shadingTypes(scene_.types());
+  // Clips for "image" first, so that a "clip" may name one by its file name.
+  for (const ShadingRefs& refs : shadingRefs_) {
+    if (!refs.image) continue;
+    Item* clip = clipForImage(*refs.image);
+    if (!clip) return fail(refs.image->pos, "cannot make a clip for " + inQuotes(refs.image->text));
+    scene_.shading().setLayerClip(*refs.layer, *clip);
+  }
   for (const ShadingRefs& refs : shadingRefs_) {
     std::string problem;
     if (refs.clip) {
@@ -117,11 +130,6 @@ bool SceneReader::resolveShadingRefs() {
       if (!scene_.types().derives(clip->typeCode(), codes.clip))
         return fail(refs.clip->pos, "the clip " + inQuotes(refs.clip->text) + " is a " + inQuotes(clip->type().name) +
                                         "; an image map shows an \"imageClip\"");
-      scene_.shading().setLayerClip(*refs.layer, *clip);
-    }
-    if (refs.image) {
-      Item* clip = clipForImage(*refs.image);
-      if (!clip) return fail(refs.image->pos, "cannot make a clip for " + inQuotes(refs.image->text));
       scene_.shading().setLayerClip(*refs.layer, *clip);
     }
     if (refs.locator) {
