@@ -3,7 +3,6 @@
 // image bytes beside a ".gltf" or inside a ".glb".
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
-#define STB_IMAGE_WRITE_IMPLEMENTATION
 #include <stb/stb_image_write.h>
 
 #include <cstdint>
