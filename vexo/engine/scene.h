@@ -12,6 +12,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "deform/deform_graphs.h"
 #include "engine/channel_links.h"
 #include "engine/item.h"
 #include "engine/item_types.h"
@@ -102,6 +103,9 @@ class Scene {
 
   // The meshes of the scene's "mesh", "triSurf" and "meshInst" items.
   MeshStore& meshes() { return meshes_; }
+  // Deformers' links to their meshes and joints.
+  DeformGraphs& deformGraphs() { return deformGraphs_; }
+  const DeformGraphs& deformGraphs() const { return deformGraphs_; }
 
   double time() const { return time_; }
   void setTime(double time) { time_ = time; }
@@ -130,6 +134,7 @@ class Scene {
   ChannelLinks links_;
   std::vector<Item*> itemList_;
   MeshStore meshes_{*types_};
+  DeformGraphs deformGraphs_;
   double time_ = 0.0;
   std::uint64_t revision_ = 0;
   std::uint64_t valueRevision_ = 0;

@@ -77,6 +77,11 @@ class SceneReader {
   bool readChannelRef(const JsonNode& node, const std::string& what, Item*& item, std::size_t& channel);
   bool readItemList(const JsonNode& list);
 
+  // Deformers' links to their joints and meshes (deform_fields.cpp).
+  bool readInfluences(const JsonNode& influences);
+  bool readMeshDeformers(const JsonNode& meshDeformers);
+  Item* readItemRef(const JsonNode& node, const std::string& what);
+
   const std::string& fileName_;
   Scene& scene_;
   MeshReader meshes_;

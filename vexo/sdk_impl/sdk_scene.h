@@ -11,6 +11,7 @@
 
 #include "engine/evaluation.h"
 #include "engine/scene.h"
+#include "sdk_impl/sdk_deform.h"
 #include "sdk_impl/sdk_scene_meshes.h"
 #include "vexo/vx_scene.h"
 
@@ -76,6 +77,7 @@ class SdkScene final : public IVxScene {
   // same action and time, so that matrices computed once serve them all.
   Evaluation& evaluation(const char* action, double time);
   IVxMeshService* MeshService() override { return &meshService_; }
+  IVxDeformService* DeformService() override { return &deformService_; }
 
  private:
   // Items of one type in scene order, kept until the scene changes.
@@ -92,6 +94,7 @@ class SdkScene final : public IVxScene {
   std::unique_ptr<SdkLocatorService> locatorService_;
   std::unique_ptr<Evaluation> evaluation_;
   SdkSceneMeshes meshService_{*this};
+  SdkDeformService deformService_{*this};
 };
 
 // Maps an engine value type to its SDK code.
