@@ -24,6 +24,7 @@ std::uint32_t MeshExporter::exportMesh(const CVxUser_Item& item) {
   const auto cached = cache_.find(mesh.ident());
   if (cached != cache_.end()) {
     log.info("   Using mesh:%s type:%s which is already created", name.c_str(), typeName.c_str());
+    itemMeshes_[item.key()] = cached->second;
     return cached->second;
   }
 
@@ -53,7 +54,9 @@ std::uint32_t MeshExporter::exportMesh(const CVxUser_Item& item) {
     log.error("   Host failed to give %u triangles of mesh:%s", walk.failedTriangles, name.c_str());
 
   const std::vector<float> positions = readPositions(mesh);
+  std::vector<std::vector<std::uint32_t>>& vertexPoints = vertexPoints_[gltfMesh];
   for (const PrimitiveBuild& build : builder.primitives()) {
+    vertexPoints.push_back(build.vertexPoint);
     GltfPrimitiveDesc primitive;
     primitive.attributes = writeVertexAttributes(document, builder.layout(), build, positions);
     primitive.indices = document.addIndexAccessor(build.indices);
@@ -65,5 +68,17 @@ std::uint32_t MeshExporter::exportMesh(const CVxUser_Item& item) {
   }
 
   cache_.emplace(mesh.ident(), gltfMesh);
+  itemMeshes_[item.key()] = gltfMesh;
   return gltfMesh;
+}
+
+std::uint32_t MeshExporter::meshOf(const CVxUser_Item& item) const {
+  const auto found = itemMeshes_.find(item.key());
+  return found == itemMeshes_.end() ? GltfDocument::kNone : found->second;
+}
+
+const std::vector<std::vector<std::uint32_t>>& MeshExporter::vertexPoints(std::uint32_t mesh) const {
+  static const std::vector<std::vector<std::uint32_t>> kNone;
+  const auto found = vertexPoints_.find(mesh);
+  return found == vertexPoints_.end() ? kNone : found->second;
 }
