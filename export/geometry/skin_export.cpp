@@ -25,12 +25,10 @@ class SkinBuilder {
   SkinBuilder(ExportContext& context, const DeformerEntry& entry, unsigned pointCount)
       : context_(context), entry_(entry), slots_(pointCount) {}
 
-  std::uint32_t create(const std::string& name) {
+  void create(const std::string& name) {
     name_ = name;
     skin_ = context_.document->addSkin(name);
-    return skin_;
   }
-  const std::string& name() const { return name_; }
 
   // The joint with the inverse of its world matrix in the exported pose as
   // its bind matrix; the identity when that matrix cannot be had.
@@ -42,7 +40,6 @@ class SkinBuilder {
     double world[16], inverse[16];
     const CVxLocator locator(context_.scene, joint);
     const bool known = locator.test() && locator.worldMatrix(context_.edit, world) && matrix4::invert(world, inverse);
-    ++joints_;
     return context_.document->addSkinJoint(skin_, node, known ? inverse : nullptr);
   }
 
@@ -62,7 +59,7 @@ class SkinBuilder {
   // Attaches the skin to the mesh's node and writes every primitive's slots;
   // a skin without joints stays unwritten and leaves the mesh as it was.
   void finish(const MeshExporter& meshes) {
-    if (joints_ == 0) return;
+    if (jointNodes_.empty()) return;
     GltfDocument& document = *context_.document;
     document.setNodeSkin(entry_.node, skin_);
     const std::uint32_t mesh = meshes.meshOf(entry_.item);
@@ -85,8 +82,7 @@ class SkinBuilder {
   SkinSlots slots_;
   std::string name_;
   std::uint32_t skin_ = GltfDocument::kNone;
-  unsigned joints_ = 0;
-  std::vector<std::uint32_t> jointNodes_;
+  std::vector<std::uint32_t> jointNodes_;  // by joint index
 };
 
 // The weight-map name of a deformer: its "name" channel when its "type" is 1.
