@@ -2,6 +2,7 @@
 
 #include "export/geometry/mesh_export.h"
 #include "export/material/material_export.h"
+#include "export/geometry/skin_export.h"
 #include "host/user_values.h"
 #include "scene/node_walk.h"
 #include "scene/scene_scan.h"
@@ -85,6 +86,8 @@ VxResult GltfSaverBase::RunSaver() {
   c.meshes = &meshes;
   walkNodes(c);
   c.meshes = nullptr;
+  // Despite its name, "morphMaps" switches the skins; no morph targets are written.
+  if (c.options.morphMaps == 1 && !c.deformers.empty()) exportSkins(c, meshes);
 
   MaterialExporter(c).run(meshes.primitiveTags());
 

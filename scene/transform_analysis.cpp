@@ -1,21 +1,24 @@
 #include "transform_analysis.h"
 
+#include <initializer_list>
+
 
 namespace {
 
 const char* const kMatrixChannels[kDrivenCount] = {"wposMatrix", "wrotMatrix", "wsclMatrix",
                                                    "worldMatrix", "localMatrix", "parentMatrix"};
 
-const std::vector<const char*> kRotationOffsetNames = {"RotationOffset", "RotationOff", "RotOffset", "RotOff"};
-const std::vector<const char*> kRotationPivotNames = {"RotationPivot", "RotationPiv", "RotationPvt",
+// Fixed lists that allocate nothing: the module's loading must not be able to fail.
+const std::initializer_list<const char*> kRotationOffsetNames = {"RotationOffset", "RotationOff", "RotOffset", "RotOff"};
+const std::initializer_list<const char*> kRotationPivotNames = {"RotationPivot", "RotationPiv", "RotationPvt",
                                                       "RotPivot",      "RotPiv",      "RotPvt"};
-const std::vector<const char*> kScalingOffsetNames = {"ScalingOffset", "ScalingOff", "ScaleOffset",
+const std::initializer_list<const char*> kScalingOffsetNames = {"ScalingOffset", "ScalingOff", "ScaleOffset",
                                                       "ScaleOff",      "SclOffset",  "SclOff"};
-const std::vector<const char*> kScalingPivotNames = {"ScalingPivot", "ScalingPiv", "ScalingPvt",
+const std::initializer_list<const char*> kScalingPivotNames = {"ScalingPivot", "ScalingPiv", "ScalingPvt",
                                                      "ScalePivot",   "ScalePiv",   "ScalePvt",
                                                      "SclPivot",     "SclPiv",     "SclPvt"};
 
-bool nameMatches(const std::string& name, const std::vector<const char*>& candidates) {
+bool nameMatches(const std::string& name, std::initializer_list<const char*> candidates) {
   for (const char* candidate : candidates)
     if (name.find(candidate) != std::string::npos) return true;
   return false;

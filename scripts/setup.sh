@@ -25,8 +25,9 @@ if ((${#missing[@]})); then
 fi
 
 if [[ "${1:-}" == "--test" ]]; then
-  # The glTF validator and an independent glTF reader, pinned by their lock files.
-  for tool in tests/validator tests/reader; do
+  # The glTF validator, an independent glTF reader and an independent engine
+  # (three.js, which skins the written files), pinned by their lock files.
+  for tool in tests/validator tests/reader tests/engine; do
     stamp="$tool/node_modules/.installed-lock"
     if ! cmp -s "$tool/package-lock.json" "$stamp" 2>/dev/null; then
       npm ci --prefix "$tool" --no-audit --no-fund --loglevel=error

@@ -24,6 +24,7 @@ std::uint32_t MeshExporter::exportMesh(const CVxUser_Item& item) {
   const auto cached = cache_.find(mesh.ident());
   if (cached != cache_.end()) {
     log.info("   Using mesh:%s type:%s which is already created", name.c_str(), typeName.c_str());
+    itemMeshes_[item.key()] = cached->second;
     return cached->second;
   }
 
@@ -54,7 +55,9 @@ std::uint32_t MeshExporter::exportMesh(const CVxUser_Item& item) {
 
   const std::vector<float> positions = readPositions(mesh);
   const std::vector<std::string>& uvMaps = uvMaps_[gltfMesh] = maps.uvNames;
+  std::vector<std::vector<std::uint32_t>>& vertexPoints = vertexPoints_[gltfMesh];
   for (const PrimitiveBuild& build : builder.primitives()) {
+    vertexPoints.push_back(build.vertexPoint);
     GltfPrimitiveDesc primitive;
     primitive.attributes = writeVertexAttributes(document, builder.layout(), build, positions);
     primitive.indices = document.addIndexAccessor(build.indices);
@@ -66,5 +69,17 @@ std::uint32_t MeshExporter::exportMesh(const CVxUser_Item& item) {
   }
 
   cache_.emplace(mesh.ident(), gltfMesh);
+  itemMeshes_[item.key()] = gltfMesh;
   return gltfMesh;
+}
+
+std::uint32_t MeshExporter::meshOf(const CVxUser_Item& item) const {
+  const auto found = itemMeshes_.find(item.key());
+  return found == itemMeshes_.end() ? GltfDocument::kNone : found->second;
+}
+
+const std::vector<std::vector<std::uint32_t>>& MeshExporter::vertexPoints(std::uint32_t mesh) const {
+  static const std::vector<std::vector<std::uint32_t>> kNone;
+  const auto found = vertexPoints_.find(mesh);
+  return found == vertexPoints_.end() ? kNone : found->second;
 }

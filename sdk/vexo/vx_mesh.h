@@ -62,6 +62,16 @@ class IVxPolygonVisitor {
   ~IVxPolygonVisitor() = default;
 };
 
+// Receives a map's point values one point at a time.
+class IVxMapPointVisitor {
+ public:
+  // `values` holds the map's dimension of floats; a failure stops the walk.
+  virtual VxResult Point(unsigned point, const float* values) = 0;
+
+ protected:
+  ~IVxMapPointVisitor() = default;
+};
+
 class IVxMesh {
  public:
   // Stable while the scene is loaded; instances return their source's mesh.
@@ -81,6 +91,13 @@ class IVxMesh {
   virtual unsigned MapValueCount(VxMapID map) = 0;
   // A point's continuous value; VXR_NOTFOUND when the point has none.
   virtual VxResult MapPointValue(VxMapID map, unsigned point, float* values) = 0;
+  // Visits every point that has a value in the map, in point order: for a
+  // weight map ("WGHT") its (point, weight) pairs. Hosts without it say VXR_NOTIMPL.
+  virtual VxResult MapEnumeratePoints(VxMapID map, IVxMapPointVisitor* visitor) {
+    (void)map;
+    (void)visitor;
+    return VXR_NOTIMPL;
+  }
 
   virtual VxResult VisitPolygons(IVxPolygonVisitor* visitor) = 0;
 

@@ -17,6 +17,7 @@ class IVxScene;
 class IVxLocatorService;
 class IVxMeshService;
 class IVxShaderService;
+class IVxDeformService;
 
 using VxTypeCode = std::int32_t;
 constexpr VxTypeCode VX_TYPE_ANY = -1;  // "every item" in scene queries
@@ -103,6 +104,7 @@ class IVxScene {
   virtual IVxLocatorService* LocatorService() { return nullptr; }
   virtual IVxMeshService* MeshService() { return nullptr; }
   virtual IVxShaderService* ShaderService() { return nullptr; }
+  virtual IVxDeformService* DeformService() { return nullptr; }  // vx_deform.h
 
  protected:
   ~IVxScene() = default;

@@ -64,6 +64,7 @@ bool readGltf(const std::string& path, ReadGltf& gltf, std::string& problem) {
     for (const auto& child : in["children"].GetArray()) node.children.push_back(child.GetString());
     node.mesh = indexOrNone(in["mesh"]);
     node.camera = indexOrNone(in["camera"]);
+    node.skin = indexOrNone(in["skin"]);
     gltf.nodes.push_back(std::move(node));
   }
   for (const auto& scene : json["scenes"].GetArray()) {
@@ -83,6 +84,14 @@ bool readGltf(const std::string& path, ReadGltf& gltf, std::string& problem) {
       mesh.primitives.push_back(std::move(primitive));
     }
     gltf.meshes.push_back(std::move(mesh));
+  }
+  for (const auto& in : json["skins"].GetArray()) {
+    ReadSkin skin;
+    skin.name = in["name"].GetString();
+    for (const auto& joint : in["joints"].GetArray()) skin.joints.push_back(joint.GetString());
+    skin.skeleton = in["skeleton"].IsString() ? in["skeleton"].GetString() : "";
+    skin.inverseBindMatrices = numbers(in["inverseBindMatrices"]);
+    gltf.skins.push_back(std::move(skin));
   }
   for (const auto& in : json["cameras"].GetArray()) {
     gltf.cameras.push_back({in["name"].GetString(), in["type"].GetString(), in["znear"].GetDouble(),

@@ -15,6 +15,14 @@ struct ReadNode {
   std::vector<std::string> children;
   int mesh = -1;
   int camera = -1;
+  int skin = -1;
+};
+
+struct ReadSkin {
+  std::string name;
+  std::vector<std::string> joints;  // joint node names in joint order
+  std::string skeleton;             // empty when none
+  std::vector<double> inverseBindMatrices;  // 16 per joint, column-major
 };
 
 struct ReadPrimitive {
@@ -41,6 +49,7 @@ struct ReadGltf {
   std::vector<std::vector<std::string>> scenes;  // root node names per scene
   std::vector<ReadMesh> meshes;
   std::vector<ReadCamera> cameras;
+  std::vector<ReadSkin> skins;
 
   // The first node of that name, or null.
   const ReadNode* node(const std::string& name) const;

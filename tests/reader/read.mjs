@@ -1,6 +1,7 @@
 // Reads a .gltf or .glb back with an independent glTF library and prints
 // what a viewer would see: every node with its world matrix, every mesh
-// with its primitives' indices and attribute values, every camera.
+// with its primitives' indices and attribute values, every skin with its
+// joints and inverse bind matrices, every camera.
 //   node read.mjs FILE
 import { Logger, NodeIO } from '@gltf-transform/core';
 
@@ -13,6 +14,7 @@ const root = document.getRoot();
 const meshes = root.listMeshes();
 const cameras = root.listCameras();
 const materials = root.listMaterials();
+const skins = root.listSkins();
 
 const out = {
   nodes: root.listNodes().map((node) => ({
@@ -23,6 +25,7 @@ const out = {
     children: node.listChildren().map((child) => child.getName()),
     mesh: node.getMesh() ? meshes.indexOf(node.getMesh()) : null,
     camera: node.getCamera() ? cameras.indexOf(node.getCamera()) : null,
+    skin: node.getSkin() ? skins.indexOf(node.getSkin()) : null,
   })),
   scenes: root.listScenes().map((scene) => scene.listChildren().map((node) => node.getName())),
   meshes: meshes.map((mesh) => ({
@@ -40,6 +43,12 @@ const out = {
         attributes,
       };
     }),
+  })),
+  skins: skins.map((skin) => ({
+    name: skin.getName(),
+    joints: skin.listJoints().map((joint) => joint.getName()),
+    skeleton: skin.getSkeleton() ? skin.getSkeleton().getName() : null,
+    inverseBindMatrices: skin.getInverseBindMatrices() ? Array.from(skin.getInverseBindMatrices().getArray()) : [],
   })),
   cameras: cameras.map((camera) => ({
     name: camera.getName(),

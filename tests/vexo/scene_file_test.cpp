@@ -86,7 +86,7 @@ TEST(SceneFile, EachErrorNamesFileLineAndColumn) {
        "\"transforms\""},
       {"{\"item\": []}",
        "scene.json:1:2: unknown key \"item\" at the top level; expected one of \"scene\", \"time\", \"items\", "
-       "\"selection\", \"links\", \"itemList\""},
+       "\"selection\", \"links\", \"itemList\", \"influences\", \"meshDeformers\""},
       {"{\"items\": [{\"name\": \"A\", \"type\": \"mesh\", \"name\": \"B\"}]}", "scene.json:1:42: duplicate key \"name\""},
       {"{\"items\": [{\"name\": \"F\", \"type\": \"mesh\", \"id\": \"f1\"}, {\"name\": \"F\", \"type\": \"mesh\", \"id\": \"f2\"}],\n"
        " \"selection\": [\"F\"]}",

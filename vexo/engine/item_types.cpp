@@ -94,6 +94,8 @@ const std::vector<TypeSpec>& builtinTable() {
       {"imageClip", nullptr, {}},
       {"morphDeform", nullptr, {{"enable", kInt, 1.0, nullptr}}},
       {"deformGroup", nullptr, {}},
+      // Binds a joint to a mesh; "type" 1: through the mesh's weight map "name".
+      {"influence", nullptr, {{"type", kInt, 1.0, nullptr}, {"name", kText, 0.0, ""}}},
       // Transform items: angles in radians; "order" numbers the rotation
       // orders XYZ, XZY, YXZ, YZX, ZXY, ZYX from 0.
       {"scale", nullptr, {{"scl.X", kFloat, 1.0, nullptr},

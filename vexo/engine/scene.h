@@ -12,6 +12,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "deform/deform_graphs.h"
 #include "engine/channel_links.h"
 #include "engine/item.h"
 #include "engine/item_types.h"
@@ -110,6 +111,9 @@ class Scene {
   // Turns an item's children around, last first; scene order stays as it is.
   // Shader-tree files list a layer's layers top first, the reverse of child order.
   void reverseChildren(Item& parent);
+  // Deformers' links to their meshes and joints.
+  DeformGraphs& deformGraphs() { return deformGraphs_; }
+  const DeformGraphs& deformGraphs() const { return deformGraphs_; }
 
   double time() const { return time_; }
   void setTime(double time) { time_ = time; }
@@ -139,6 +143,7 @@ class Scene {
   std::vector<Item*> itemList_;
   MeshStore meshes_{*types_};
   ShadingStore shading_;
+  DeformGraphs deformGraphs_;
   double time_ = 0.0;
   std::uint64_t revision_ = 0;
   std::uint64_t valueRevision_ = 0;

@@ -209,6 +209,18 @@ VxResult SdkMesh::MapPointValue(VxMapID map, unsigned point, float* values) {
   return VXR_OK;
 }
 
+VxResult SdkMesh::MapEnumeratePoints(VxMapID map, IVxMapPointVisitor* visitor) {
+  const std::size_t m = mapIndex(map);
+  if (m == kNoMap || !visitor) return VXR_BADARG;
+  const VertexMap& vmap = mesh_->map(m);
+  const std::size_t points = mesh_->pointCount();
+  for (std::size_t point = 0; point < points; ++point) {
+    const float* v = vmap.pointValue(static_cast<std::uint32_t>(point));
+    if (v && VxFailed(visitor->Point(static_cast<unsigned>(point), v))) return VXR_FAILED;
+  }
+  return VXR_OK;
+}
+
 VxResult SdkMesh::VisitPolygons(IVxPolygonVisitor* visitor) {
   if (!visitor) return VXR_BADARG;
   WalkPolygon polygon(*mesh_);

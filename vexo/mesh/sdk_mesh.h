@@ -36,6 +36,7 @@ class SdkMesh final : public IVxMesh {
   unsigned MapDimension(VxMapID map) override;
   unsigned MapValueCount(VxMapID map) override;
   VxResult MapPointValue(VxMapID map, unsigned point, float* values) override;
+  VxResult MapEnumeratePoints(VxMapID map, IVxMapPointVisitor* visitor) override;
 
   VxResult VisitPolygons(IVxPolygonVisitor* visitor) override;
 

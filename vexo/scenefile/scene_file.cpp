@@ -21,7 +21,7 @@ using Kind = JsonNode::Kind;
 
 const KeyList kItemKeys = {"name", "type", "id", "channels", "actions", "children", "mesh", "source"};
 const KeyList kSceneKeys = {"channels", "actions"};
-const KeyList kRootKeys = {"scene", "time", "items", "selection", "links", "itemList"};
+const KeyList kRootKeys = {"scene", "time", "items", "selection", "links", "itemList", "influences", "meshDeformers"};
 
 // The keys an item of this type takes.
 const KeyList& itemKeys(bool locator) {
@@ -77,6 +77,8 @@ bool SceneReader::read(const JsonNode& root) {
   if (const JsonNode* selection = member(root, "selection"); selection && !readSelection(*selection)) return false;
   if (const JsonNode* links = member(root, "links"); links && !readLinks(*links)) return false;
   if (const JsonNode* list = member(root, "itemList"); list && !readItemList(*list)) return false;
+  if (const JsonNode* node = member(root, "influences"); node && !readInfluences(*node)) return false;
+  if (const JsonNode* node = member(root, "meshDeformers"); node && !readMeshDeformers(*node)) return false;
   return true;
 }
 

@@ -88,6 +88,10 @@ class SceneReader {
   bool resolveShadingRefs();
   Item* clipForImage(const JsonNode& image);
   std::string fullPath(const std::string& path) const;
+  // Deformers' links to their joints and meshes (deform_fields.cpp).
+  bool readInfluences(const JsonNode& influences);
+  bool readMeshDeformers(const JsonNode& meshDeformers);
+  Item* readItemRef(const JsonNode& node, const std::string& what);
 
   const std::string& fileName_;
   Scene& scene_;

@@ -11,6 +11,7 @@
 
 #include "engine/evaluation.h"
 #include "engine/scene.h"
+#include "sdk_impl/sdk_deform.h"
 #include "sdk_impl/sdk_scene_meshes.h"
 #include "sdk_impl/sdk_shading.h"
 #include "vexo/vx_scene.h"
@@ -78,6 +79,7 @@ class SdkScene final : public IVxScene {
   Evaluation& evaluation(const char* action, double time);
   IVxMeshService* MeshService() override { return &meshService_; }
   IVxShaderService* ShaderService() override { return &shaderService_; }
+  IVxDeformService* DeformService() override { return &deformService_; }
 
  private:
   // Items of one type in scene order, kept until the scene changes.
@@ -95,6 +97,7 @@ class SdkScene final : public IVxScene {
   std::unique_ptr<Evaluation> evaluation_;
   SdkSceneMeshes meshService_{*this};
   SdkShaderService shaderService_{*this};
+  SdkDeformService deformService_{*this};
 };
 
 // Maps an engine value type to its SDK code.
