@@ -57,15 +57,20 @@ function frameCamera(box, width, height) {
   return camera;
 }
 
-function addLights(scene, renderer, camera, centre) {
-  // Image-based light from a neutral room, so that metals reflect something,
-  // plus a white key light from the camera's side, raised 45 degrees above it.
+// Image-based light from a neutral room, so that metals reflect something,
+// plus a white key light from the camera's side, above it and to the right,
+// so that faces turned different ways get different shades.
+const ENVIRONMENT_INTENSITY = 0.4;
+const KEY_INTENSITY = 0.8;
+const KEY_OFFSET = new THREE.Vector3(1, 2, 3);  // right, up, towards the camera
+
+function addLights(scene, renderer, centre, distance) {
   const pmrem = new THREE.PMREMGenerator(renderer);
   scene.environment = pmrem.fromScene(new RoomEnvironment(), 0.04).texture;
+  scene.environmentIntensity = ENVIRONMENT_INTENSITY;
   pmrem.dispose();
-  const key = new THREE.DirectionalLight(0xffffff, 1.5);
-  const distance = camera.position.distanceTo(centre);
-  key.position.copy(camera.position).addScaledVector(camera.up, distance);
+  const key = new THREE.DirectionalLight(0xffffff, KEY_INTENSITY);
+  key.position.copy(centre).addScaledVector(KEY_OFFSET.clone().normalize(), distance);
   key.target.position.copy(centre);
   scene.add(key);
   scene.add(key.target);
@@ -105,7 +110,8 @@ window.renderGltf = async ({ width, height, time }) => {
 
   const bounds = sceneBounds(scene);
   const camera = frameCamera(bounds, width, height);
-  addLights(scene, renderer, camera, bounds.isEmpty() ? new THREE.Vector3() : bounds.getCenter(new THREE.Vector3()));
+  const centre = bounds.isEmpty() ? new THREE.Vector3() : bounds.getCenter(new THREE.Vector3());
+  addLights(scene, renderer, centre, camera.position.distanceTo(centre));
   renderer.render(scene, camera);
   const picture = canvas.toDataURL('image/png');
   renderer.dispose();
