@@ -32,7 +32,7 @@ const pageHtml = `<!DOCTYPE html>
 <html><head><meta charset="utf-8">
 <style>html,body{margin:0;background:#808080;overflow:hidden}canvas{display:block}</style>
 <script type="importmap">{"imports":{"three":"/three/build/three.module.js","three/addons/":"/three/examples/jsm/"}}</script>
-<script type="module" src="/page.mjs"></script>
+<script type="module">import('/page.mjs').catch((error) => { window.previewFailed = String(error); });</script>
 </head><body></body></html>`;
 
 class Failure extends Error {}
@@ -176,10 +176,11 @@ async function render(options, cleanup) {
   page.setDefaultTimeout(options.timeout);
   const { port } = server.address();
   await page.goto(`http://127.0.0.1:${port}/`, { waitUntil: 'load' });
-  try {
-    await page.waitForFunction('window.previewReady === true');
-  } catch {
-    throw new Failure(`the preview page did not start: ${pageErrors.join('; ') || 'no message'}`);
+  // The page is ready once its modules loaded, or failed once one did not.
+  await page.waitForFunction('window.previewReady === true || window.previewFailed !== undefined');
+  const failed = await page.evaluate(() => window.previewFailed);
+  if (failed !== undefined) {
+    throw new Failure(`the preview page did not start: ${[failed, ...pageErrors].join('; ')}`);
   }
   let picture;
   try {
