@@ -27,6 +27,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr double kDefaultTimeoutSeconds = 120.0;
+// The renderer's status when it stopped itself at the timeout, and said so.
+constexpr int kRendererTimedOut = 3;
 
 std::string quoted(const std::string& text) { return '"' + text + '"'; }
 
@@ -219,9 +221,10 @@ RendererRun runRenderer(const std::vector<std::string>& arguments, double timeou
   return run;
 }
 
-std::string formatNumber(double value) {
+// Every digit, for the renderer; the short form, for people.
+std::string formatNumber(double value, bool exact = true) {
   char text[64];
-  std::snprintf(text, sizeof text, "%.17g", value);
+  std::snprintf(text, sizeof text, exact ? "%.17g" : "%g", value);
   return text;
 }
 
@@ -254,7 +257,7 @@ int runPreview(const PreviewRequest& request, std::ostream& out, std::ostream& e
     return kExitUsage;
   }
   if (!std::isfinite(request.time) || request.time < 0) {
-    err << "vexo: --time " << formatNumber(request.time)
+    err << "vexo: --time " << formatNumber(request.time, false)
         << ": expected a number of seconds, 0 or more (see vexo preview --help)\n";
     return kExitUsage;
   }
@@ -292,8 +295,8 @@ int runPreview(const PreviewRequest& request, std::ostream& out, std::ostream& e
     err << "vexo: cannot run node: " << run.startError << " (install Node.js with: bash scripts/setup.sh)\n";
     return kExitSaveFailed;
   }
-  if (run.timedOut) {
-    err << "vexo: rendering " << quoted(request.file) << " took longer than " << formatNumber(timeout)
+  if (run.timedOut && run.status != kRendererTimedOut) {
+    err << "vexo: rendering " << quoted(request.file) << " took longer than " << formatNumber(timeout, false)
         << " seconds and was stopped\n";
     return kExitSaveFailed;
   }

@@ -1,7 +1,7 @@
 // Renders a ".glb" or ".gltf" to a PNG with three.js in headless Chromium.
 //   node render.mjs FILE OUT WIDTH HEIGHT TIME TIMEOUT_MS
 // `vexo preview` runs it and checks the arguments. A failure prints one line
-// on standard error and exits with status 1. Nothing here reaches the network:
+// on standard error and exits with status 1, or 3 when the time ran out. Nothing here reaches the network:
 // the page, three's modules and the file come from a server on 127.0.0.1.
 import { createServer } from 'node:http';
 import { mkdtempSync, rmSync, readFileSync, accessSync, constants, openSync, writeSync, fsyncSync, closeSync } from 'node:fs';
@@ -40,7 +40,7 @@ class Failure extends Error {}
 function parseArguments(argv) {
   if (argv.length !== 6) throw new Failure('usage: render.mjs FILE OUT WIDTH HEIGHT TIME TIMEOUT_MS');
   const [file, out, width, height, time, timeout] = argv;
-  return { file: resolve(file), out, width: Number(width), height: Number(height), time: Number(time), timeout: Number(timeout) };
+  return { given: file, file: resolve(file), out, width: Number(width), height: Number(height), time: Number(time), timeout: Number(timeout) };
 }
 
 function send(response, status, body, type = 'text/plain') {
@@ -209,19 +209,20 @@ async function main() {
     }
   };
   let stopping = false;
-  const stop = async (message) => {
+  const stop = async (message, status = 1) => {
     if (stopping) return;
     stopping = true;
     process.stderr.write(message + '\n');
     await runCleanup();
-    process.exit(1);
+    process.exit(status);
   };
   process.on('SIGTERM', () => stop('rendering was stopped'));
   process.on('SIGINT', () => stop('rendering was interrupted'));
   process.on('SIGHUP', () => stop('rendering was interrupted'));
   try {
     const options = parseArguments(process.argv.slice(2));
-    timer = setTimeout(() => stop(`rendering took longer than ${options.timeout / 1000} seconds`), options.timeout);
+    const late = `rendering "${options.given}" took longer than ${options.timeout / 1000} seconds and was stopped`;
+    timer = setTimeout(() => stop(late, 3), options.timeout);
     await render(options, cleanup);
   } catch (error) {
     // After a stop, what fails is the stop's doing and has been told.
