@@ -7,7 +7,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cmath>
@@ -145,7 +144,7 @@ struct RendererRun {
 
 // Runs node with the arguments as they are (no shell) and waits for it, at
 // most `timeout` seconds plus a grace period for its own cleanup; then it is
-// asked to stop, and killed if it does not.
+// asked to stop (SIGTERM), and killed 3 seconds later if it has not.
 RendererRun runRenderer(const std::vector<std::string>& arguments, double timeout, LineForwarder& forward) {
   RendererRun run;
   int pipeFds[2];
@@ -174,10 +173,11 @@ RendererRun runRenderer(const std::vector<std::string>& arguments, double timeou
   }
   run.started = true;
 
-  const double grace = std::min(5.0, timeout);
+  // The renderer stops itself at the timeout; closing the browser and removing
+  // its profile takes it a few seconds more.
   const auto start = Clock::now();
-  const auto termAt = start + std::chrono::duration<double>(timeout + grace);
-  const auto killAt = termAt + std::chrono::duration<double>(std::min(3.0, timeout));
+  const auto termAt = start + std::chrono::duration<double>(timeout + 5.0);
+  const auto killAt = termAt + std::chrono::duration<double>(3.0);
   bool termSent = false, killSent = false;
   bool pipeOpen = true;
   char buffer[4096];
