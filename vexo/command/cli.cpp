@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "command/inspect_command.h"
+#include "command/preview_command.h"
 #include "command/save_command.h"
 
 namespace vexo {
@@ -36,12 +37,22 @@ int parseAndRun(int argc, const char* const* argv, std::ostream& out, std::ostre
   inspect->add_option("--action", inspectRequest.action, "Action to evaluate (default: edit)");
   CLI::Option* timeOption = inspect->add_option("--time", time, "Time to evaluate at (default: the scene's time)");
 
+  PreviewRequest previewRequest;
+  CLI::App* preview = app.add_subcommand("preview", "Render a .glb or .gltf file to a PNG picture");
+  preview->add_option("file", previewRequest.file, "The .glb or .gltf file to render")->required();
+  preview->add_option("picture", previewRequest.output, "The PNG file to write")->required();
+  preview->add_option("--size", previewRequest.size, "Picture size WIDTHxHEIGHT (default: 800x600)");
+  preview->add_option("--time", previewRequest.time, "Seconds to pose every animation at (default: 0)");
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& e) {
     return app.exit(e, out, err);
   } catch (const CLI::ParseError& e) {
-    const char* usage = save->parsed() ? "vexo save --help" : inspect->parsed() ? "vexo inspect --help" : "vexo --help";
+    const char* usage = save->parsed()      ? "vexo save --help"
+                        : inspect->parsed() ? "vexo inspect --help"
+                        : preview->parsed() ? "vexo preview --help"
+                                            : "vexo --help";
     err << "vexo: " << e.what() << " (see " << usage << ")\n";
     return kExitUsage;
   }
@@ -49,6 +60,7 @@ int parseAndRun(int argc, const char* const* argv, std::ostream& out, std::ostre
     if (timeOption->count() > 0) inspectRequest.time = time;
     return runInspect(inspectRequest, out, err);
   }
+  if (preview->parsed()) return runPreview(previewRequest, out, err);
   return runSave(request, out, err);
 }
 
