@@ -1,6 +1,7 @@
 // `vexo preview` as a user runs it: hand-made glTF files rendered in headless
 // Chromium, the pictures read back and their pixels sampled. Each render
 // takes seconds, so every render carries several checks.
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -283,6 +284,63 @@ TEST(Preview, BadSizeOrTimeIsBadUsage) {
     EXPECT_NE(run.errText().find("(see vexo preview --help)"), std::string::npos) << run.errText();
   }
   EXPECT_TRUE(listDir(dir.path()).empty());
+}
+
+// Which primary a lit pixel shows: the channels well above the rest.
+std::string hue(const Rgb& c) {
+  const int margin = 40;
+  const bool r = c.r > c.b + margin, g = c.g > c.b + margin, b = c.b > c.r + margin && c.b > c.g + margin;
+  if (r && g) return "yellow";
+  if (r && c.r > c.g + margin) return "red";
+  if (g && c.g > c.r + margin) return "green";
+  if (b) return "blue";
+  return "none " + describe(c);
+}
+
+// The README's example, exported with its tangent basis, is valid without a
+// single error or warning, and a viewer shows each quadrant of its base
+// colour where the texture has it: a flipped V or a wrong texCoord swaps them.
+TEST(Preview, TexturedExampleShowsItsBaseColourWhereItBelongs) {
+  TempDir dir;
+  const std::string glb = dir.file("textured.glb");
+  const VexoRun save = runVexo({"save", GLTFIO_EXAMPLES_DIR "/textured.json", glb, "--set",
+                                "sceneio.gltf.save.tangentsBitangents=1"});
+  ASSERT_EQ(save.exitCode, 0) << save.errText();
+  EXPECT_EQ(save.errText().find("warning:"), std::string::npos) << save.errText();
+  std::vector<GltfFinding> findings;
+  std::string problem;
+  ASSERT_TRUE(runGltfValidator(glb, findings, problem)) << problem;
+  for (const GltfFinding& finding : findings) {
+    EXPECT_GE(finding.severity, 2) << finding.code << " at " << finding.pointer << ": " << finding.message;
+  }
+
+  const std::string png = dir.file("textured.png");
+  const VexoRun run = runVexo({"preview", glb, png});
+  ASSERT_EQ(run.exitCode, 0) << run.errText();
+  const Picture picture = readPng(png);
+  ASSERT_GT(picture.width, 0);
+
+  // The panel is what differs from the background.
+  int left = picture.width, right = -1, top = picture.height, bottom = -1;
+  for (int y = 0; y < picture.height; ++y) {
+    for (int x = 0; x < picture.width; ++x) {
+      if (near(picture.at(x, y), kBackground, 6)) continue;
+      left = std::min(left, x);
+      right = std::max(right, x);
+      top = std::min(top, y);
+      bottom = std::max(bottom, y);
+    }
+  }
+  ASSERT_GT(right - left, picture.width / 4);
+  ASSERT_GT(bottom - top, picture.height / 4);
+  const int w = right - left, h = bottom - top;
+  const auto quadrant = [&](int column, int row) {
+    return hue(picture.at(left + w * (1 + 2 * column) / 4, top + h * (1 + 2 * row) / 4));
+  };
+  EXPECT_EQ(quadrant(0, 0), "red");
+  EXPECT_EQ(quadrant(1, 0), "green");
+  EXPECT_EQ(quadrant(0, 1), "blue");
+  EXPECT_EQ(quadrant(1, 1), "yellow");
 }
 
 }  // namespace
