@@ -141,7 +141,7 @@ TEST_P(MaterialExport, TagsMasksAndMaterialLayers) {
   const std::string scene = sceneOf(
       {quads("Left", {"Default", "Unknown", "Glass", "Above", "Two", "Flat", "Off", "Hidden", "Empty"}),
        quads("Right", {"Unknown", "Glass"})},
-      {mask("Glass", {gltfShader("Glass Material", R"("metallic": 0.25, "roughness": 0.5, "emissive.R": 0.125, "emissivelevel": 4)"),
+      {mask("Glass", {gltfShader("Glass Material", R"("metallic": 0.25, "roughness": 0.5, "emissive.R": 0.5, "emissivelevel": 4)"),
                       vexoMaterial("Glass Dissolve", R"("dissAmt": 0.25, "dblSided": 1)")}),
        mask("Above", {vexoMaterial("Above Dissolve", R"("dissAmt": 0.5, "dblSided": 1)"),
                       gltfShader("Above Material")}),
@@ -183,7 +183,7 @@ TEST_P(MaterialExport, TagsMasksAndMaterialLayers) {
   EXPECT_TRUE(glass["doubleSided"].GetBool());
   EXPECT_EQ(glass["pbrMetallicRoughness"]["baseColorFactor"][3].GetDouble(), 0.75);
   EXPECT_EQ(glass["pbrMetallicRoughness"]["metallicFactor"].GetDouble(), 0.25);
-  EXPECT_EQ(glass["emissiveFactor"][0].GetDouble(), 0.5);
+  EXPECT_EQ(glass["emissiveFactor"][0].GetDouble(), 2.0);  // the product as it is, above 1
   const rapidjson::Value& above = *material(s.written, "Above");
   EXPECT_STREQ(above["alphaMode"].GetString(), "OPAQUE");
   EXPECT_FALSE(above["doubleSided"].GetBool());
