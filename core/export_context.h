@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -56,6 +57,16 @@ struct ExportContext {
   ItemNodeMap itemNodes;
   std::unordered_map<std::uint32_t, NodeTransform> nodeTransforms;  // by node
   std::vector<DeformerEntry> deformers;
+
+  // Filled by the scan: the actions whose keys the scene timeline plays
+  // ("setup", "edit" and the active action clips), the actors of the
+  // "currentGroups" list and every action clip met.
+  std::vector<std::string> timelineActions;
+  std::vector<CVxUser_Item> actors;
+  std::vector<CVxUser_Item> actions;
+  // Filled by the node walk when the timeline is exported: the items whose
+  // position, rotation or scale moves in it, in node order.
+  std::vector<CVxUser_Item> animatedItems;
 
   // Set by the driver for the node walk; null exports no geometry.
   MeshSource* meshes = nullptr;

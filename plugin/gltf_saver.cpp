@@ -1,5 +1,6 @@
 #include "gltf_saver.h"
 
+#include "export/animation/animation_export.h"
 #include "export/geometry/mesh_export.h"
 #include "export/material/material_export.h"
 #include "export/geometry/skin_export.h"
@@ -90,6 +91,7 @@ VxResult GltfSaverBase::RunSaver() {
   if (c.options.morphMaps == 1 && !c.deformers.empty()) exportSkins(c, meshes);
 
   MaterialExporter(c).run(meshes.primitiveTags());
+  exportAnimation(c);
 
   if (c.options.cameras != 0) readRenderResolution();
 

@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "camera_record.h"
+#include "core/animated_components.h"
+#include "host/locator.h"
 #include "transform_choice.h"
 
 namespace {
@@ -39,6 +41,10 @@ std::uint32_t createNode(ExportContext& context, const CVxUser_Item& item, std::
   }
   if (camera != GltfDocument::kNone) document.setNodeCamera(node, camera);
   chooseTransform(context, item, node, parentNode);
+  // The timeline animates the items whose position, rotation or scale is keyed in what it plays.
+  if (context.options.animation != 0 && context.options.exportActionType == 0 &&
+      findAnimatedComponents(context.scene, CVxLocator(context.scene, item), context.timelineActions).any())
+    context.animatedItems.push_back(item);
   return node;
 }
 

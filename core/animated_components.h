@@ -1,0 +1,22 @@
+// Which of an item's translation, rotation and scale move in time: the X, Y
+// and Z channels of its main position, rotation and scale transforms, tested
+// in the key views of the actions that feed a read.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/locator.h"
+#include "host/scene.h"
+
+struct AnimatedComponents {
+  bool translation = false;
+  bool rotation = false;
+  bool scale = false;
+  bool any() const { return translation || rotation || scale; }
+};
+
+// A component counts as animated when one of its channels has keys (or a
+// driving link) in any of `actions`; a missing transform is not animated.
+AnimatedComponents findAnimatedComponents(const CVxUser_Scene& scene, const CVxLocator& locator,
+                                          const std::vector<std::string>& actions);
