@@ -18,7 +18,17 @@ RotationOrder orderOf(double value) {
 }  // namespace
 
 Evaluation::Evaluation(const Scene& scene, std::string_view action, double time)
-    : scene_(scene), action_(action), time_(time) {}
+    : scene_(scene), action_(action), time_(time) {
+  computedRevision_ = scene_.valueRevision() + 1;  // nothing computed yet
+  refresh();
+}
+
+void Evaluation::refresh() {
+  if (computedRevision_ == scene_.valueRevision()) return;
+  computed_.clear();
+  computedRevision_ = scene_.valueRevision();
+  if (action_ == kEditAction) activeActions_ = activeActionNames(scene_);
+}
 
 std::pair<const Item*, std::size_t> Evaluation::source(const Item& item, std::size_t channel) const {
   const Item* current = &item;
@@ -33,10 +43,50 @@ std::pair<const Item*, std::size_t> Evaluation::source(const Item& item, std::si
   return {current, currentChannel};
 }
 
-const Value& Evaluation::stored(const Item& item, std::size_t channel) const { return item.value(channel, action_); }
+Evaluation::Own Evaluation::resolve(const Item& item, std::size_t channel) {
+  auto own = [&](std::string_view action) {
+    Own found;
+    found.keys = item.actionKeys(channel, action);
+    if (!found.keys) found.value = item.actionValue(channel, action);
+    return found;
+  };
+  Own found = own(action_);
+  if (found.keys || found.value) return found;
+  if (action_ == kEditAction) {
+    for (const std::string& name : activeActions_) {
+      found = own(name);
+      if (found.keys || found.value) return found;
+    }
+  }
+  if (action_ != kSetupAction) found = own(kSetupAction);
+  return found;
+}
+
+const Value& Evaluation::stored(const Item& item, std::size_t channel) {
+  const Own found = resolve(item, channel);
+  if (found.value) return *found.value;
+  if (!found.keys) return item.channel(channel).initial;
+  const double v = found.keys->evaluate(time_);
+  // An integer channel holds each key's value until the next.
+  if (item.channel(channel).type == ValueType::Integer) {
+    std::size_t i = 0;
+    while (i + 1 < found.keys->size() && found.keys->key(i + 1).time <= time_) ++i;
+    keyed_ = static_cast<std::int32_t>(std::lround(found.keys->key(i).value));
+  } else {
+    keyed_ = v;
+  }
+  return keyed_;
+}
+
+const KeyCurve* Evaluation::keys(const Item& item, std::size_t channel) {
+  if (channel >= item.channelCount()) return nullptr;
+  refresh();
+  return resolve(item, channel).keys;
+}
 
 const Value* Evaluation::value(const Item& item, std::size_t channel) {
   if (channel >= item.channelCount()) return nullptr;
+  if (active_.empty()) refresh();
   const auto [from, fromChannel] = source(item, channel);
   if (auto which = scene_.locatorTypes().matrixChannelAt(from->typeCode(), fromChannel)) {
     Matrix m;
@@ -148,10 +198,7 @@ bool Evaluation::computeDependencies(const MatrixKey& top) {
 
 bool Evaluation::compute(const Item& locator, MatrixChannel which, Matrix& out) {
   const MatrixKey key(&locator, which);
-  if (active_.empty() && computedRevision_ != scene_.valueRevision()) {
-    computed_.clear();
-    computedRevision_ = scene_.valueRevision();
-  }
+  if (active_.empty()) refresh();
   if (auto known = computed_.find(key); known != computed_.end()) {
     out = known->second;
     return true;
@@ -192,26 +239,39 @@ bool Evaluation::compute(const Item& locator, MatrixChannel which, Matrix& out) 
   return ok;
 }
 
-double Evaluation::channelNumber(const Item& item, const char* name, double fallback) {
-  const int channel = scene_.types().findChannel(item.typeCode(), name);
+const int* Evaluation::transformChannels(TypeCode type) {
+  const auto index = static_cast<std::size_t>(type);
+  if (index >= transformChannels_.size()) transformChannels_.resize(index + 1);
+  std::vector<int>& channels = transformChannels_[index];
+  if (channels.empty()) {
+    static const char* const names[kTransformChannels] = {"pos.X", "pos.Y", "pos.Z", "rot.X",  "rot.Y",
+                                                          "rot.Z", "order", "scl.X", "scl.Y",  "scl.Z",
+                                                          "shr.XY", "shr.XZ", "shr.YZ"};
+    for (const char* name : names) channels.push_back(scene_.types().findChannel(type, name));
+  }
+  return channels.data();
+}
+
+double Evaluation::channelNumber(const Item& item, int channel, double fallback) {
   double v = fallback;
   if (channel >= 0) number(item, static_cast<std::size_t>(channel), v);
   return v;
 }
 
-Vector3 Evaluation::vector3(const Item& item, const char* x, const char* y, const char* z, double fallback) {
-  return {channelNumber(item, x, fallback), channelNumber(item, y, fallback), channelNumber(item, z, fallback)};
+Vector3 Evaluation::vector3(const Item& item, const int* channels, double fallback) {
+  return {channelNumber(item, channels[0], fallback), channelNumber(item, channels[1], fallback),
+          channelNumber(item, channels[2], fallback)};
 }
 
 bool Evaluation::transformMatrix(const Item& transform, Matrix& out) {
   const std::optional<TransformKind> kind = scene_.locatorTypes().transformKind(transform.typeCode());
   if (!kind) return false;
-  auto translation = [&] { return translationMatrix(vector3(transform, "pos.X", "pos.Y", "pos.Z", 0.0)); };
+  const int* c = transformChannels(transform.typeCode());
+  auto translation = [&] { return translationMatrix(vector3(transform, c + kPosX, 0.0)); };
   auto rotation = [&] {
-    return rotationMatrix(vector3(transform, "rot.X", "rot.Y", "rot.Z", 0.0),
-                          orderOf(channelNumber(transform, "order", 0.0)));
+    return rotationMatrix(vector3(transform, c + kRotX, 0.0), orderOf(channelNumber(transform, c[kOrder], 0.0)));
   };
-  auto scale = [&] { return scaleMatrix(vector3(transform, "scl.X", "scl.Y", "scl.Z", 1.0)); };
+  auto scale = [&] { return scaleMatrix(vector3(transform, c + kSclX, 1.0)); };
   switch (*kind) {
     case TransformKind::Translation:
       out = translation();
@@ -226,8 +286,8 @@ bool Evaluation::transformMatrix(const Item& transform, Matrix& out) {
       out = multiply(multiply(scale(), rotation()), translation());
       break;
     case TransformKind::Shear:
-      out = shearMatrix(channelNumber(transform, "shr.XY", 0.0), channelNumber(transform, "shr.XZ", 0.0),
-                        channelNumber(transform, "shr.YZ", 0.0));
+      out = shearMatrix(channelNumber(transform, c[kShrXY], 0.0), channelNumber(transform, c[kShrXZ], 0.0),
+                        channelNumber(transform, c[kShrYZ], 0.0));
       break;
   }
   return true;
