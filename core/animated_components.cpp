@@ -31,7 +31,7 @@ AnimatedComponents findAnimatedComponents(const CVxUser_Scene& scene, const CVxL
     for (const char* name : component.names) {
       const int channel = transform.channelIndex(name);
       for (const CVxKeys& keys : views)
-        if (keys.isAnimated(transform, channel)) found.*component.flag = true;
+        if (keys.count(transform, channel) > 0) found.*component.flag = true;
     }
   }
   return found;

@@ -16,7 +16,9 @@ struct AnimatedComponents {
   bool any() const { return translation || rotation || scale; }
 };
 
-// A component counts as animated when one of its channels has keys (or a
-// driving link) in any of `actions`; a missing transform is not animated.
+// A component counts as animated when one of its channels has keys in any
+// of `actions`. A channel only driven by a link is not: the host cannot say
+// whether the link's source moves, and a still rig must stay a still node.
+// A missing transform is not animated.
 AnimatedComponents findAnimatedComponents(const CVxUser_Scene& scene, const CVxLocator& locator,
                                           const std::vector<std::string>& actions);
