@@ -20,6 +20,7 @@ struct SampledItem {
   CVxUser_Item item;
   CVxLocator locator;
   Placement rule;
+  bool hasParent;
   TransformCurves curves;
   bool reportedNotFinite = false;
 };
@@ -155,7 +156,7 @@ class AnimationPhase {
     if (!animated.any()) return;
     const auto found = c_.nodeTransforms.find(node);
     const Placement rule = found == c_.nodeTransforms.end() ? Placement::Local : found->second.rule;
-    items_.push_back({item, locator, rule, TransformCurves(node, animated.translation, animated.rotation, animated.scale)});
+    items_.push_back({item, locator, rule, item.parent().test(), TransformCurves(node, animated.translation, animated.rotation, animated.scale)});
   }
 
   void sample(const std::string& name, const char* action, double start, double end, double rate) {
@@ -188,7 +189,7 @@ class AnimationPhase {
       chosen.finite = true;
     } else {
       double parent[16];
-      const bool parentKnown = sampled.rule == Placement::Local && sampled.item.parent().test() &&
+      const bool parentKnown = sampled.rule == Placement::Local && sampled.hasParent &&
                                sampled.locator.parentWorldMatrix(read, parent);
       chosen = chooseNodeMatrix(world, parentKnown ? parent : nullptr, sampled.rule);
       if (parentKnown && chosen.placement == Placement::World) {
