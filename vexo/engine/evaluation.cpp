@@ -23,9 +23,16 @@ Evaluation::Evaluation(const Scene& scene, std::string_view action, double time)
   refresh();
 }
 
+void Evaluation::setTime(double time) {
+  refresh();
+  time_ = time;
+  computed_.clear();
+}
+
 void Evaluation::refresh() {
   if (computedRevision_ == scene_.valueRevision()) return;
   computed_.clear();
+  resolved_.clear();
   computedRevision_ = scene_.valueRevision();
   if (action_ == kEditAction) activeActions_ = activeActionNames(scene_);
 }
@@ -62,18 +69,30 @@ Evaluation::Own Evaluation::resolve(const Item& item, std::size_t channel) {
   return found;
 }
 
-const Value& Evaluation::stored(const Item& item, std::size_t channel) {
-  const Own found = resolve(item, channel);
-  if (found.value) return *found.value;
-  if (!found.keys) return item.channel(channel).initial;
-  const double v = found.keys->evaluate(time_);
+const Evaluation::Resolved& Evaluation::resolved(const Item& item, std::size_t channel) {
+  std::vector<Resolved>& channels = resolved_[&item];
+  if (channels.empty()) {
+    channels.reserve(item.channelCount());
+    for (std::size_t c = 0; c < item.channelCount(); ++c) {
+      const auto [from, fromChannel] = source(item, c);
+      const auto which = scene_.locatorTypes().matrixChannelAt(from->typeCode(), fromChannel);
+      const Own own = which ? Own{} : resolve(*from, fromChannel);
+      channels.push_back({from, fromChannel, which ? static_cast<int>(*which) : -1, own.keys, own.value});
+    }
+  }
+  return channels[channel];
+}
+
+const Value& Evaluation::stored(const Item& item, std::size_t channel, const Resolved& r) {
+  if (r.value) return *r.value;
+  if (!r.keys) return item.channel(channel).initial;
   // An integer channel holds each key's value until the next.
   if (item.channel(channel).type == ValueType::Integer) {
     std::size_t i = 0;
-    while (i + 1 < found.keys->size() && found.keys->key(i + 1).time <= time_) ++i;
-    keyed_ = static_cast<std::int32_t>(std::lround(found.keys->key(i).value));
+    while (i + 1 < r.keys->size() && r.keys->key(i + 1).time <= time_) ++i;
+    keyed_ = static_cast<std::int32_t>(std::lround(r.keys->key(i).value));
   } else {
-    keyed_ = v;
+    keyed_ = r.keys->evaluate(time_);
   }
   return keyed_;
 }
@@ -87,14 +106,14 @@ const KeyCurve* Evaluation::keys(const Item& item, std::size_t channel) {
 const Value* Evaluation::value(const Item& item, std::size_t channel) {
   if (channel >= item.channelCount()) return nullptr;
   if (active_.empty()) refresh();
-  const auto [from, fromChannel] = source(item, channel);
-  if (auto which = scene_.locatorTypes().matrixChannelAt(from->typeCode(), fromChannel)) {
+  const Resolved& r = resolved(item, channel);
+  if (r.matrix >= 0) {
     Matrix m;
-    if (!compute(*from, *which, m)) return nullptr;
+    if (!compute(*r.from, static_cast<MatrixChannel>(r.matrix), m)) return nullptr;
     scratch_ = m;
     return &scratch_;
   }
-  return &stored(*from, fromChannel);
+  return &stored(*r.from, r.fromChannel, r);
 }
 
 bool Evaluation::number(const Item& item, std::size_t channel, double& out) {
