@@ -26,15 +26,20 @@ Evaluation::Evaluation(const Scene& scene, std::string_view action, double time)
 void Evaluation::setTime(double time) {
   refresh();
   time_ = time;
-  computed_.clear();
+  ++generation_;  // the matrices computed so far no longer count; their slots are reused
+}
+
+bool Evaluation::known(const MatrixKey& key) const {
+  auto it = computed_.find(key);
+  return it != computed_.end() && it->second.generation == generation_;
 }
 
 void Evaluation::refresh() {
   if (computedRevision_ == scene_.valueRevision()) return;
   computed_.clear();
   resolved_.clear();
+  activeActionsKnown_ = false;
   computedRevision_ = scene_.valueRevision();
-  if (action_ == kEditAction) activeActions_ = activeActionNames(scene_);
 }
 
 std::pair<const Item*, std::size_t> Evaluation::source(const Item& item, std::size_t channel) const {
@@ -60,6 +65,10 @@ Evaluation::Own Evaluation::resolve(const Item& item, std::size_t channel) {
   Own found = own(action_);
   if (found.keys || found.value) return found;
   if (action_ == kEditAction) {
+    if (!activeActionsKnown_) {
+      activeActions_ = activeActionNames(scene_);
+      activeActionsKnown_ = true;
+    }
     for (const std::string& name : activeActions_) {
       found = own(name);
       if (found.keys || found.value) return found;
@@ -166,12 +175,10 @@ std::optional<Evaluation::MatrixKey> Evaluation::computedSource(const Item& loca
 }
 
 bool Evaluation::computeDependencies(const MatrixKey& top) {
-  struct Step {
-    MatrixKey key;
-    bool expanded;
-  };
-  std::vector<Step> pending = {{top, false}};
-  std::unordered_set<MatrixKey, MatrixKeyHash> onPath;  // expanded, not yet computed
+  std::vector<Step>& pending = pending_;
+  pending.assign(1, {top, false});
+  std::unordered_set<MatrixKey, MatrixKeyHash>& onPath = onPath_;  // expanded, not yet computed
+  onPath.clear();
   std::optional<MatrixKey> needs[2];
   while (!pending.empty()) {
     const MatrixKey key = pending.back().key;
@@ -179,10 +186,10 @@ bool Evaluation::computeDependencies(const MatrixKey& top) {
       pending.pop_back();
       onPath.erase(key);
       Matrix m;
-      if (key != top && !computed_.count(key) && !compute(*key.first, key.second, m)) return false;
+      if (key != top && !known(key) && !compute(*key.first, key.second, m)) return false;
       continue;
     }
-    if (computed_.count(key)) {
+    if (known(key)) {
       pending.pop_back();
       continue;
     }
@@ -207,7 +214,7 @@ bool Evaluation::computeDependencies(const MatrixKey& top) {
         break;
     }
     for (const std::optional<MatrixKey>& need : needs) {
-      if (!need || computed_.count(*need)) continue;
+      if (!need || known(*need)) continue;
       if (onPath.count(*need)) return false;  // it needs itself
       pending.push_back({*need, false});
     }
@@ -218,12 +225,19 @@ bool Evaluation::computeDependencies(const MatrixKey& top) {
 bool Evaluation::compute(const Item& locator, MatrixChannel which, Matrix& out) {
   const MatrixKey key(&locator, which);
   if (active_.empty()) refresh();
-  if (auto known = computed_.find(key); known != computed_.end()) {
-    out = known->second;
+  if (auto found = computed_.find(key); found != computed_.end() && found->second.generation == generation_) {
+    out = found->second.matrix;
     return true;
   }
-  if (active_.empty() && !computeDependencies(key)) return false;
-  if (!active_.insert(key).second) return false;
+  // While the dependencies are worked through, each one's own are known already.
+  if (active_.empty() && !inDependencies_) {
+    inDependencies_ = true;
+    const bool ok = computeDependencies(key);
+    inDependencies_ = false;
+    if (!ok) return false;
+  }
+  if (std::find(active_.begin(), active_.end(), key) != active_.end()) return false;
+  active_.push_back(key);
 
   bool ok = true;
   Matrix a, b;
@@ -253,8 +267,8 @@ bool Evaluation::compute(const Item& locator, MatrixChannel which, Matrix& out) 
       }
       break;
   }
-  active_.erase(key);
-  if (ok) computed_.emplace(key, out);
+  active_.pop_back();
+  if (ok) computed_[key] = {out, generation_};
   return ok;
 }
 

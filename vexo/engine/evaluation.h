@@ -111,7 +111,8 @@ class Evaluation {
   double time_;
   Value scratch_;
   Value keyed_;  // the value of the keys read last
-  std::vector<std::string> activeActions_;  // for "edit": the active action clips
+  std::vector<std::string> activeActions_;  // for "edit": the active action clips, found when first needed
+  bool activeActionsKnown_ = false;
   std::vector<std::vector<int>> transformChannels_;  // by type code; empty until first needed
   std::unordered_map<const Item*, std::vector<Resolved>> resolved_;  // per item, by channel
   struct MatrixKeyHash {
@@ -120,9 +121,24 @@ class Evaluation {
     }
   };
   // The matrices being computed, to catch one that needs itself.
-  std::unordered_set<MatrixKey, MatrixKeyHash> active_;
+  std::vector<MatrixKey> active_;
+  bool inDependencies_ = false;
   // The matrices computed since the scene's values last changed.
-  std::unordered_map<MatrixKey, Matrix, MatrixKeyHash> computed_;
+  // Entries of earlier times (another generation) are stale and overwritten in place.
+  struct Computed {
+    Matrix matrix;
+    std::uint64_t generation;
+  };
+  std::unordered_map<MatrixKey, Computed, MatrixKeyHash> computed_;
+  std::uint64_t generation_ = 0;
+  bool known(const MatrixKey& key) const;
+  // computeDependencies' work lists, kept to spare allocations.
+  struct Step {
+    MatrixKey key;
+    bool expanded;
+  };
+  std::vector<Step> pending_;
+  std::unordered_set<MatrixKey, MatrixKeyHash> onPath_;
   std::uint64_t computedRevision_ = 0;
 };
 
