@@ -18,6 +18,8 @@ class IVxLocatorService;
 class IVxMeshService;
 class IVxShaderService;
 class IVxDeformService;
+class IVxAnimService;
+class IVxCommandService;
 
 using VxTypeCode = std::int32_t;
 constexpr VxTypeCode VX_TYPE_ANY = -1;  // "every item" in scene queries
@@ -96,7 +98,8 @@ class IVxScene {
 
   // A reader bound to an action and a time; the caller releases it.
   virtual VxResult ChannelRead(const char* action, double time, IVxChannelRead** read) = 0;
-  // The scene's current evaluation time in seconds.
+  // The scene's current evaluation time in seconds. A reader keeps the time
+  // it was made for: after SetTime, read through a new one made at Time().
   virtual double Time() const = 0;
   virtual VxResult SetTime(double time) = 0;
 
@@ -105,6 +108,8 @@ class IVxScene {
   virtual IVxMeshService* MeshService() { return nullptr; }
   virtual IVxShaderService* ShaderService() { return nullptr; }
   virtual IVxDeformService* DeformService() { return nullptr; }  // vx_deform.h
+  virtual IVxAnimService* AnimService() { return nullptr; }        // vx_anim.h
+  virtual IVxCommandService* CommandService() { return nullptr; }  // vx_command.h
 
  protected:
   ~IVxScene() = default;

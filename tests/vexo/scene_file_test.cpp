@@ -81,7 +81,7 @@ TEST(SceneFile, EachErrorNamesFileLineAndColumn) {
        "scene.json:2:51: duplicate id \"x\""},
       {"{\"items\": [{\"name\": \"A\", \"type\": \"mesh\", \"chanels\": {}}]}",
        "scene.json:1:42: unknown key \"chanels\" in an item; expected one of \"name\", \"type\", \"id\", \"channels\", "
-       "\"actions\", \"children\", \"mesh\", \"source\", \"position\", \"rotation\", \"rotationOrder\", \"scale\", "
+       "\"actions\", \"keys\", \"children\", \"mesh\", \"source\", \"position\", \"rotation\", \"rotationOrder\", \"scale\", "
        "\"rotationPivot\", \"scalePivot\", \"rotationOffset\", \"scaleOffset\", \"preRotation\", \"postRotation\", "
        "\"transforms\""},
       {"{\"item\": []}",
@@ -118,7 +118,7 @@ TEST(SceneFile, EachErrorNamesFileLineAndColumn) {
       {"{\"items\": [{\"name\": \"L\", \"type\": \"locator\", \"transforms\": [\n"
        "  {\"type\": \"transform\", \"name\": \"T\", \"values\": [0, 0, 0]}]}]}",
        "scene.json:2:38: unknown key \"values\" in a \"transform\" transform; expected one of \"type\", \"name\", \"id\", "
-       "\"channels\", \"actions\", \"position\", \"rotation\", \"order\", \"scale\""},
+       "\"channels\", \"actions\", \"keys\", \"position\", \"rotation\", \"order\", \"scale\""},
       {"{\"items\": [{\"name\": \"L\", \"type\": \"locator\", \"transforms\": [\n"
        "  {\"type\": \"rotation\", \"name\": \"A\", \"main\": true},\n  {\"type\": \"rotation\", \"name\": \"B\", \"main\": true}]}]}",
        "scene.json:3:45: the locator has a main \"rotation\" already"},

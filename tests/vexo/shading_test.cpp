@@ -124,7 +124,7 @@ TEST(ShaderTree, RefusalsNameFileLineAndColumn) {
        "scene.json:1:55: the image file name is empty"},
       {"{\"items\": [{\"name\": \"A\", \"type\": \"mesh\", \"clip\": \"C\"}]}",
        "scene.json:1:42: unknown key \"clip\" in an item; expected one of \"name\", \"type\", \"id\", \"channels\", "
-       "\"actions\", \"children\", \"mesh\", \"source\", \"position\", \"rotation\", \"rotationOrder\", \"scale\", "
+       "\"actions\", \"keys\", \"children\", \"mesh\", \"source\", \"position\", \"rotation\", \"rotationOrder\", \"scale\", "
        "\"rotationPivot\", \"scalePivot\", \"rotationOffset\", \"scaleOffset\", \"preRotation\", \"postRotation\", "
        "\"transforms\""},
   };

@@ -18,7 +18,29 @@ RotationOrder orderOf(double value) {
 }  // namespace
 
 Evaluation::Evaluation(const Scene& scene, std::string_view action, double time)
-    : scene_(scene), action_(action), time_(time) {}
+    : scene_(scene), action_(action), time_(time) {
+  computedRevision_ = scene_.valueRevision() + 1;  // nothing computed yet
+  refresh();
+}
+
+void Evaluation::setTime(double time) {
+  refresh();
+  time_ = time;
+  ++generation_;  // the matrices computed so far no longer count; their slots are reused
+}
+
+bool Evaluation::known(const MatrixKey& key) const {
+  auto it = computed_.find(key);
+  return it != computed_.end() && it->second.generation == generation_;
+}
+
+void Evaluation::refresh() {
+  if (computedRevision_ == scene_.valueRevision()) return;
+  computed_.clear();
+  resolved_.clear();
+  activeActionsKnown_ = false;
+  computedRevision_ = scene_.valueRevision();
+}
 
 std::pair<const Item*, std::size_t> Evaluation::source(const Item& item, std::size_t channel) const {
   const Item* current = &item;
@@ -33,18 +55,74 @@ std::pair<const Item*, std::size_t> Evaluation::source(const Item& item, std::si
   return {current, currentChannel};
 }
 
-const Value& Evaluation::stored(const Item& item, std::size_t channel) const { return item.value(channel, action_); }
+Evaluation::Own Evaluation::resolve(const Item& item, std::size_t channel) {
+  auto own = [&](std::string_view action) {
+    Own found;
+    found.keys = item.actionKeys(channel, action);
+    if (!found.keys) found.value = item.actionValue(channel, action);
+    return found;
+  };
+  Own found = own(action_);
+  if (found.keys || found.value) return found;
+  if (action_ == kEditAction) {
+    if (!activeActionsKnown_) {
+      activeActions_ = activeActionNames(scene_);
+      activeActionsKnown_ = true;
+    }
+    for (const std::string& name : activeActions_) {
+      found = own(name);
+      if (found.keys || found.value) return found;
+    }
+  }
+  if (action_ != kSetupAction) found = own(kSetupAction);
+  return found;
+}
+
+const Evaluation::Resolved& Evaluation::resolved(const Item& item, std::size_t channel) {
+  std::vector<Resolved>& channels = resolved_[&item];
+  if (channels.empty()) {
+    channels.reserve(item.channelCount());
+    for (std::size_t c = 0; c < item.channelCount(); ++c) {
+      const auto [from, fromChannel] = source(item, c);
+      const auto which = scene_.locatorTypes().matrixChannelAt(from->typeCode(), fromChannel);
+      const Own own = which ? Own{} : resolve(*from, fromChannel);
+      channels.push_back({from, fromChannel, which ? static_cast<int>(*which) : -1, own.keys, own.value});
+    }
+  }
+  return channels[channel];
+}
+
+const Value& Evaluation::stored(const Item& item, std::size_t channel, const Resolved& r) {
+  if (r.value) return *r.value;
+  if (!r.keys) return item.channel(channel).initial;
+  // An integer channel holds each key's value until the next.
+  if (item.channel(channel).type == ValueType::Integer) {
+    std::size_t i = 0;
+    while (i + 1 < r.keys->size() && r.keys->key(i + 1).time <= time_) ++i;
+    keyed_ = static_cast<std::int32_t>(std::lround(r.keys->key(i).value));
+  } else {
+    keyed_ = r.keys->evaluate(time_);
+  }
+  return keyed_;
+}
+
+const KeyCurve* Evaluation::keys(const Item& item, std::size_t channel) {
+  if (channel >= item.channelCount()) return nullptr;
+  refresh();
+  return resolve(item, channel).keys;
+}
 
 const Value* Evaluation::value(const Item& item, std::size_t channel) {
   if (channel >= item.channelCount()) return nullptr;
-  const auto [from, fromChannel] = source(item, channel);
-  if (auto which = scene_.locatorTypes().matrixChannelAt(from->typeCode(), fromChannel)) {
+  if (active_.empty()) refresh();
+  const Resolved& r = resolved(item, channel);
+  if (r.matrix >= 0) {
     Matrix m;
-    if (!compute(*from, *which, m)) return nullptr;
+    if (!compute(*r.from, static_cast<MatrixChannel>(r.matrix), m)) return nullptr;
     scratch_ = m;
     return &scratch_;
   }
-  return &stored(*from, fromChannel);
+  return &stored(*r.from, r.fromChannel, r);
 }
 
 bool Evaluation::number(const Item& item, std::size_t channel, double& out) {
@@ -97,12 +175,10 @@ std::optional<Evaluation::MatrixKey> Evaluation::computedSource(const Item& loca
 }
 
 bool Evaluation::computeDependencies(const MatrixKey& top) {
-  struct Step {
-    MatrixKey key;
-    bool expanded;
-  };
-  std::vector<Step> pending = {{top, false}};
-  std::unordered_set<MatrixKey, MatrixKeyHash> onPath;  // expanded, not yet computed
+  std::vector<Step>& pending = pending_;
+  pending.assign(1, {top, false});
+  std::unordered_set<MatrixKey, MatrixKeyHash>& onPath = onPath_;  // expanded, not yet computed
+  onPath.clear();
   std::optional<MatrixKey> needs[2];
   while (!pending.empty()) {
     const MatrixKey key = pending.back().key;
@@ -110,10 +186,10 @@ bool Evaluation::computeDependencies(const MatrixKey& top) {
       pending.pop_back();
       onPath.erase(key);
       Matrix m;
-      if (key != top && !computed_.count(key) && !compute(*key.first, key.second, m)) return false;
+      if (key != top && !known(key) && !compute(*key.first, key.second, m)) return false;
       continue;
     }
-    if (computed_.count(key)) {
+    if (known(key)) {
       pending.pop_back();
       continue;
     }
@@ -138,7 +214,7 @@ bool Evaluation::computeDependencies(const MatrixKey& top) {
         break;
     }
     for (const std::optional<MatrixKey>& need : needs) {
-      if (!need || computed_.count(*need)) continue;
+      if (!need || known(*need)) continue;
       if (onPath.count(*need)) return false;  // it needs itself
       pending.push_back({*need, false});
     }
@@ -148,16 +224,20 @@ bool Evaluation::computeDependencies(const MatrixKey& top) {
 
 bool Evaluation::compute(const Item& locator, MatrixChannel which, Matrix& out) {
   const MatrixKey key(&locator, which);
-  if (active_.empty() && computedRevision_ != scene_.valueRevision()) {
-    computed_.clear();
-    computedRevision_ = scene_.valueRevision();
-  }
-  if (auto known = computed_.find(key); known != computed_.end()) {
-    out = known->second;
+  if (active_.empty()) refresh();
+  if (auto found = computed_.find(key); found != computed_.end() && found->second.generation == generation_) {
+    out = found->second.matrix;
     return true;
   }
-  if (active_.empty() && !computeDependencies(key)) return false;
-  if (!active_.insert(key).second) return false;
+  // While the dependencies are worked through, each one's own are known already.
+  if (active_.empty() && !inDependencies_) {
+    inDependencies_ = true;
+    const bool ok = computeDependencies(key);
+    inDependencies_ = false;
+    if (!ok) return false;
+  }
+  if (std::find(active_.begin(), active_.end(), key) != active_.end()) return false;
+  active_.push_back(key);
 
   bool ok = true;
   Matrix a, b;
@@ -187,31 +267,44 @@ bool Evaluation::compute(const Item& locator, MatrixChannel which, Matrix& out) 
       }
       break;
   }
-  active_.erase(key);
-  if (ok) computed_.emplace(key, out);
+  active_.pop_back();
+  if (ok) computed_[key] = {out, generation_};
   return ok;
 }
 
-double Evaluation::channelNumber(const Item& item, const char* name, double fallback) {
-  const int channel = scene_.types().findChannel(item.typeCode(), name);
+const int* Evaluation::transformChannels(TypeCode type) {
+  const auto index = static_cast<std::size_t>(type);
+  if (index >= transformChannels_.size()) transformChannels_.resize(index + 1);
+  std::vector<int>& channels = transformChannels_[index];
+  if (channels.empty()) {
+    static const char* const names[kTransformChannels] = {"pos.X", "pos.Y", "pos.Z", "rot.X",  "rot.Y",
+                                                          "rot.Z", "order", "scl.X", "scl.Y",  "scl.Z",
+                                                          "shr.XY", "shr.XZ", "shr.YZ"};
+    for (const char* name : names) channels.push_back(scene_.types().findChannel(type, name));
+  }
+  return channels.data();
+}
+
+double Evaluation::channelNumber(const Item& item, int channel, double fallback) {
   double v = fallback;
   if (channel >= 0) number(item, static_cast<std::size_t>(channel), v);
   return v;
 }
 
-Vector3 Evaluation::vector3(const Item& item, const char* x, const char* y, const char* z, double fallback) {
-  return {channelNumber(item, x, fallback), channelNumber(item, y, fallback), channelNumber(item, z, fallback)};
+Vector3 Evaluation::vector3(const Item& item, const int* channels, double fallback) {
+  return {channelNumber(item, channels[0], fallback), channelNumber(item, channels[1], fallback),
+          channelNumber(item, channels[2], fallback)};
 }
 
 bool Evaluation::transformMatrix(const Item& transform, Matrix& out) {
   const std::optional<TransformKind> kind = scene_.locatorTypes().transformKind(transform.typeCode());
   if (!kind) return false;
-  auto translation = [&] { return translationMatrix(vector3(transform, "pos.X", "pos.Y", "pos.Z", 0.0)); };
+  const int* c = transformChannels(transform.typeCode());
+  auto translation = [&] { return translationMatrix(vector3(transform, c + kPosX, 0.0)); };
   auto rotation = [&] {
-    return rotationMatrix(vector3(transform, "rot.X", "rot.Y", "rot.Z", 0.0),
-                          orderOf(channelNumber(transform, "order", 0.0)));
+    return rotationMatrix(vector3(transform, c + kRotX, 0.0), orderOf(channelNumber(transform, c[kOrder], 0.0)));
   };
-  auto scale = [&] { return scaleMatrix(vector3(transform, "scl.X", "scl.Y", "scl.Z", 1.0)); };
+  auto scale = [&] { return scaleMatrix(vector3(transform, c + kSclX, 1.0)); };
   switch (*kind) {
     case TransformKind::Translation:
       out = translation();
@@ -226,8 +319,8 @@ bool Evaluation::transformMatrix(const Item& transform, Matrix& out) {
       out = multiply(multiply(scale(), rotation()), translation());
       break;
     case TransformKind::Shear:
-      out = shearMatrix(channelNumber(transform, "shr.XY", 0.0), channelNumber(transform, "shr.XZ", 0.0),
-                        channelNumber(transform, "shr.YZ", 0.0));
+      out = shearMatrix(channelNumber(transform, c[kShrXY], 0.0), channelNumber(transform, c[kShrXZ], 0.0),
+                        channelNumber(transform, c[kShrYZ], 0.0));
       break;
   }
   return true;

@@ -6,6 +6,11 @@
 // parent frame is the world matrix of its nearest locator ancestor. Computed
 // matrices are kept until the scene's values change, so a chain of locators
 // placed by each other evaluates once, in time linear in its length.
+//
+// A channel reads, in order: the keys or value of the evaluation's own
+// action; for "edit", those of each active action clip; those of "setup";
+// the channel's initial value. Keys take precedence over a value of the
+// same action and are evaluated at the evaluation's time.
 #pragma once
 
 #include <cstddef>
@@ -33,6 +38,9 @@ class Evaluation {
 
   const std::string& action() const { return action_; }
   double time() const { return time_; }
+  // Moves to another time: computed matrices are dropped, but what each
+  // channel reads from (its link source, keys or value) is kept.
+  void setTime(double time);
 
   // The value a channel reads, or null when the channel index is out of
   // range or the value depends on itself (through links between matrix
@@ -41,6 +49,10 @@ class Evaluation {
   const Value* value(const Item& item, std::size_t channel);
   // An integer or float channel's value as a number; false for anything else.
   bool number(const Item& item, std::size_t channel, double& out);
+
+  // The keys a read of the channel evaluates (before links are followed), or
+  // null when it reads a value instead.
+  const KeyCurve* keys(const Item& item, std::size_t channel);
 
   // One of a locator's matrix channels, exactly as reading that channel gives it.
   // False when the item is no locator or the matrix depends on itself.
@@ -58,8 +70,25 @@ class Evaluation {
  private:
   // The channel whose stored or computed value a channel reads: the end of its chain of links.
   std::pair<const Item*, std::size_t> source(const Item& item, std::size_t channel) const;
-  // The one place stored values are looked up, so that values varying in time can be evaluated here.
-  const Value& stored(const Item& item, std::size_t channel) const;
+  // Where a channel's value comes from, found once per scene revision.
+  struct Resolved {
+    const Item* from;          // the end of its chain of links
+    std::size_t fromChannel;
+    int matrix;                // the MatrixChannel `from` computes there, or -1
+    const KeyCurve* keys;      // else the keys it reads
+    const Value* value;        // else the value it reads
+  };
+  const Resolved& resolved(const Item& item, std::size_t channel);
+  // The one place stored values are looked up: keys are evaluated here.
+  const Value& stored(const Item& item, std::size_t channel, const Resolved& r);
+  // The keys or value an action itself holds for the channel; both null when neither.
+  struct Own {
+    const KeyCurve* keys = nullptr;
+    const Value* value = nullptr;
+  };
+  Own resolve(const Item& item, std::size_t channel);
+  // Drops what was computed when the scene's values changed since.
+  void refresh();
   using MatrixKey = std::pair<const Item*, MatrixChannel>;
   bool compute(const Item& locator, MatrixChannel which, Matrix& out);
   const Item* locatorAncestor(const Item& item) const;
@@ -71,22 +100,45 @@ class Evaluation {
   // stack. False when one of them depends on itself.
   bool computeDependencies(const MatrixKey& key);
   // A transform channel's value by name; `fallback` when the item has no such channel.
-  double channelNumber(const Item& item, const char* name, double fallback);
-  Vector3 vector3(const Item& item, const char* x, const char* y, const char* z, double fallback);
+  double channelNumber(const Item& item, int channel, double fallback);
+  Vector3 vector3(const Item& item, const int* channels, double fallback);
+  // The indices of the channels transform items are read by, per item type.
+  enum TransformChannel { kPosX, kPosY, kPosZ, kRotX, kRotY, kRotZ, kOrder, kSclX, kSclY, kSclZ, kShrXY, kShrXZ, kShrYZ, kTransformChannels };
+  const int* transformChannels(TypeCode type);
 
   const Scene& scene_;
   std::string action_;
   double time_;
   Value scratch_;
+  Value keyed_;  // the value of the keys read last
+  std::vector<std::string> activeActions_;  // for "edit": the active action clips, found when first needed
+  bool activeActionsKnown_ = false;
+  std::vector<std::vector<int>> transformChannels_;  // by type code; empty until first needed
+  std::unordered_map<const Item*, std::vector<Resolved>> resolved_;  // per item, by channel
   struct MatrixKeyHash {
     std::size_t operator()(const MatrixKey& key) const {
       return std::hash<const void*>()(key.first) * 8 + static_cast<std::size_t>(key.second);
     }
   };
   // The matrices being computed, to catch one that needs itself.
-  std::unordered_set<MatrixKey, MatrixKeyHash> active_;
+  std::vector<MatrixKey> active_;
+  bool inDependencies_ = false;
   // The matrices computed since the scene's values last changed.
-  std::unordered_map<MatrixKey, Matrix, MatrixKeyHash> computed_;
+  // Entries of earlier times (another generation) are stale and overwritten in place.
+  struct Computed {
+    Matrix matrix;
+    std::uint64_t generation;
+  };
+  std::unordered_map<MatrixKey, Computed, MatrixKeyHash> computed_;
+  std::uint64_t generation_ = 0;
+  bool known(const MatrixKey& key) const;
+  // computeDependencies' work lists, kept to spare allocations.
+  struct Step {
+    MatrixKey key;
+    bool expanded;
+  };
+  std::vector<Step> pending_;
+  std::unordered_set<MatrixKey, MatrixKeyHash> onPath_;
   std::uint64_t computedRevision_ = 0;
 };
 

@@ -32,4 +32,37 @@ const Value& Item::value(std::size_t channel, std::string_view action) const {
   return this->channel(channel).initial;
 }
 
+bool Item::setKeys(std::size_t channel, std::string_view action, KeyCurve keys) {
+  if (channel >= values_.size()) return false;
+  const ValueType type = this->channel(channel).type;
+  if (type != ValueType::Integer && type != ValueType::Float) return false;
+  if (changes_) ++*changes_;
+  if (keys_.empty()) keys_.resize(values_.size());
+  ActionKeys& curves = keys_[channel];
+  auto it = curves.find(action);
+  if (keys.empty()) {
+    if (it != curves.end()) curves.erase(it);
+  } else if (it == curves.end()) {
+    curves.emplace(std::string(action), std::move(keys));
+  } else {
+    it->second = std::move(keys);
+  }
+  return true;
+}
+
+const KeyCurve* Item::actionKeys(std::size_t channel, std::string_view action) const {
+  if (channel >= keys_.size()) return nullptr;
+  const ActionKeys& curves = keys_[channel];
+  if (curves.empty()) return nullptr;
+  auto it = curves.find(action);
+  return it == curves.end() ? nullptr : &it->second;
+}
+
+std::vector<std::string> Item::keyedActions(std::size_t channel) const {
+  std::vector<std::string> names;
+  if (channel < keys_.size())
+    for (const auto& [name, curve] : keys_[channel]) names.push_back(name);
+  return names;
+}
+
 }  // namespace vexo

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "animation/keys.h"
 #include "engine/item_types.h"
 #include "engine/locator_types.h"
 #include "engine/value.h"
@@ -53,6 +54,14 @@ class Item {
   // else the channel's initial value. The channel index must be valid.
   const Value& value(std::size_t channel, std::string_view action) const;
 
+  // Sets a channel's keys in one action; an empty curve removes them. False
+  // when the channel does not exist or holds neither integers nor floats.
+  bool setKeys(std::size_t channel, std::string_view action, KeyCurve keys);
+  // The keys the action itself holds, or null.
+  const KeyCurve* actionKeys(std::size_t channel, std::string_view action) const;
+  // The actions that hold keys for the channel, by name.
+  std::vector<std::string> keyedActions(std::size_t channel) const;
+
  private:
   friend class Scene;  // links parents and children, locators and their transforms
 
@@ -67,6 +76,8 @@ class Item {
   Item* mainTransforms_[kMainTransformCount] = {};
   Item* stackOwner_ = nullptr;
   std::vector<ActionValues> values_;  // one per channel
+  using ActionKeys = std::map<std::string, KeyCurve, std::less<>>;
+  std::vector<ActionKeys> keys_;  // one per channel once any is keyed
   std::uint64_t* changes_;
 };
 

@@ -124,7 +124,11 @@ const std::vector<TypeSpec>& builtinTable() {
                           {"shr.XZ", kFloat, 0.0, nullptr},
                           {"shr.YZ", kFloat, 0.0, nullptr}}},
       {"ikFullBody", nullptr, {}},
-      {"actionclip", nullptr, {}},
+      // "active": the action the actor plays (at most one per actor);
+      // "exportTag": the text "item.exportTags" puts in front of the action's name.
+      {"actionclip", nullptr, {{"active", kInt, 0.0, nullptr},
+                               {"enabled", kInt, 1.0, nullptr},
+                               {"exportTag", kText, 0.0, ""}}},
       {"group", nullptr, {}},
       {"actor", "group", {}},
   };

@@ -12,6 +12,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "animation/actors.h"
 #include "deform/deform_graphs.h"
 #include "engine/channel_links.h"
 #include "engine/item.h"
@@ -115,6 +116,10 @@ class Scene {
   DeformGraphs& deformGraphs() { return deformGraphs_; }
   const DeformGraphs& deformGraphs() const { return deformGraphs_; }
 
+  // Actors' items, IK chains and the "currentGroups" list.
+  ActorStore& actors() { return actors_; }
+  const ActorStore& actors() const { return actors_; }
+
   double time() const { return time_; }
   void setTime(double time) { time_ = time; }
 
@@ -144,6 +149,7 @@ class Scene {
   MeshStore meshes_{*types_};
   ShadingStore shading_;
   DeformGraphs deformGraphs_;
+  ActorStore actors_;
   double time_ = 0.0;
   std::uint64_t revision_ = 0;
   std::uint64_t valueRevision_ = 0;

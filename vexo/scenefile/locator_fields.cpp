@@ -65,7 +65,7 @@ const TransformRow kTransformRows[] = {
     {TransformKind::Shear, {"values"}, &kShear, 1.0},
 };
 
-const KeyList kTransformKeys = {"type", "name", "id", "channels", "actions"};
+const KeyList kTransformKeys = {"type", "name", "id", "channels", "actions", "keys"};
 const KeyList kLinkKeys = {"from", "to"};
 
 bool isShorthandKey(std::string_view key) {

@@ -19,8 +19,8 @@ namespace {
 
 using Kind = JsonNode::Kind;
 
-const KeyList kItemKeys = {"name", "type", "id", "channels", "actions", "children", "mesh", "source"};
-const KeyList kSceneKeys = {"channels", "actions"};
+const KeyList kItemKeys = {"name", "type", "id", "channels", "actions", "keys", "children", "mesh", "source"};
+const KeyList kSceneKeys = {"channels", "actions", "keys", "currentGroups"};
 const KeyList kRootKeys = {"scene", "time", "items", "selection", "links", "itemList", "influences", "meshDeformers"};
 
 // The keys an item of this type takes.
@@ -67,13 +67,16 @@ bool SceneReader::read(const JsonNode& root) {
         !readItemBody(*scene, scene_.sceneItem()))
       return false;
   }
+  if (!resolveAnimRefs()) return false;
+  if (const JsonNode* scene = member(root, "scene"))
+    if (const JsonNode* groups = member(*scene, "currentGroups"); groups && !readCurrentGroups(*groups)) return false;
   if (const JsonNode* time = member(root, "time")) {
     if (!time->isNumber()) return fail(time->pos, "\"time\" takes a number of seconds, not " + describe(*time));
     scene_.setTime(time->number);
   }
   if (JsonError e; !meshes_.resolveSources(e)) return fail(e.pos, e.message);
   if (!resolveShadingRefs()) return false;
-  if (!checkActions()) return false;
+  if (!checkActions() || !checkActiveActions()) return false;
   if (const JsonNode* selection = member(root, "selection"); selection && !readSelection(*selection)) return false;
   if (const JsonNode* links = member(root, "links"); links && !readLinks(*links)) return false;
   if (const JsonNode* list = member(root, "itemList"); list && !readItemList(*list)) return false;
@@ -161,6 +164,17 @@ bool SceneReader::readItem(const JsonNode& node, Item* parent) {
     withShading.insert(withShading.end(), more.begin(), more.end());
     keys = &withShading;
   }
+  // Actors list their members, IK solvers their joints.
+  const char* animKey = code == kNoType                                                    ? nullptr
+                        : scene_.types().derives(code, scene_.types().find("actor"))      ? "members"
+                        : scene_.types().derives(code, scene_.types().find("ikFullBody")) ? "joints"
+                                                                                          : nullptr;
+  KeyList withAnim;
+  if (animKey) {
+    withAnim = *keys;
+    withAnim.push_back(animKey);
+    keys = &withAnim;
+  }
   if (!checkKeys(node, *keys, "in an item")) return false;
   if (!name) return fail(node.pos, "item has no \"name\"");
   if (!expect(*name, Kind::String, "\"name\"")) return false;
@@ -180,7 +194,7 @@ bool SceneReader::readItem(const JsonNode& node, Item* parent) {
   Item* item = scene_.addItem(code, name->text, ident, parent, StackStart::Empty);
   if (!item) return fail(id ? id->pos : name->pos, "id " + inQuotes(ident) + " is already taken");
   if (locator && !readTransformStack(node, *item)) return false;
-  if (!readItemBody(node, *item)) return false;
+  if (!readItemBody(node, *item) || !noteAnimRefs(node, *item)) return false;
   if (JsonError e; !meshes_.readItem(node, *item, e)) return fail(e.pos, e.message);
   if (!readShadingFields(node, *item)) return false;
   if (const JsonNode* children = member(node, "children")) {
@@ -204,6 +218,7 @@ bool SceneReader::readItemBody(const JsonNode& node, Item& item) {
       if (!readChannels(action.value, item, action.key)) return false;
     }
   }
+  if (const JsonNode* keys = member(node, "keys"); keys && !readKeys(*keys, item)) return false;
   return true;
 }
 

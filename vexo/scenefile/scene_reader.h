@@ -92,6 +92,14 @@ class SceneReader {
   bool readInfluences(const JsonNode& influences);
   bool readMeshDeformers(const JsonNode& meshDeformers);
   Item* readItemRef(const JsonNode& node, const std::string& what);
+  // Keys, actors' members, IK joints and "currentGroups" (anim_fields.cpp).
+  bool readKeys(const JsonNode& keys, Item& item);
+  bool keyedChannel(Item& item, const std::string& name, TextPos pos, Item*& owner, std::size_t& channel);
+  bool readCurve(const JsonNode& node, const Item& owner, std::size_t channel, KeyCurve& curve);
+  bool noteAnimRefs(const JsonNode& node, Item& item);
+  bool resolveAnimRefs();
+  bool readCurrentGroups(const JsonNode& list);
+  bool checkActiveActions();
 
   const std::string& fileName_;
   Scene& scene_;
@@ -108,6 +116,14 @@ class SceneReader {
     const JsonNode* locator;
   };
   std::vector<ShadingRefs> shadingRefs_;
+  // Actors' "members" and IK solvers' "joints", resolved once every item is read.
+  struct AnimRefs {
+    Item* item;
+    const JsonNode* list;
+    bool members;
+  };
+  std::vector<AnimRefs> animRefs_;
+  std::unordered_map<const Item*, TextPos> actorPos_;
   std::string error_;
 };
 

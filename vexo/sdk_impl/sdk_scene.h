@@ -11,6 +11,8 @@
 
 #include "engine/evaluation.h"
 #include "engine/scene.h"
+#include "sdk_impl/sdk_anim.h"
+#include "sdk_impl/sdk_command.h"
 #include "sdk_impl/sdk_deform.h"
 #include "sdk_impl/sdk_scene_meshes.h"
 #include "sdk_impl/sdk_shading.h"
@@ -80,6 +82,8 @@ class SdkScene final : public IVxScene {
   IVxMeshService* MeshService() override { return &meshService_; }
   IVxShaderService* ShaderService() override { return &shaderService_; }
   IVxDeformService* DeformService() override { return &deformService_; }
+  IVxAnimService* AnimService() override { return &animService_; }
+  IVxCommandService* CommandService() override { return &commandService_; }
 
  private:
   // Items of one type in scene order, kept until the scene changes.
@@ -98,6 +102,8 @@ class SdkScene final : public IVxScene {
   SdkSceneMeshes meshService_{*this};
   SdkShaderService shaderService_{*this};
   SdkDeformService deformService_{*this};
+  SdkAnimService animService_{*this};
+  SdkCommandService commandService_{*this};
 };
 
 // Maps an engine value type to its SDK code.
