@@ -1,4 +1,4 @@
-// gltfio_anim_bench: how long the plug-in takes to sample animated items.
+// gltfio_anim_export_bench: how long the plug-in takes to sample animated items.
 // For each count N it generates a scene of N locators in chains of ten (each
 // a child of the one before), every one keyed in position X, rotation Y and
 // scale Z, and a timeline of S samples (fps S, from 0 to (S - 1) / S s). It

@@ -227,3 +227,67 @@ TEST(AnimationFile, RefusalsNameFileLineAndColumn) {
 
 }  // namespace
 }  // namespace vexo
+
+namespace vexo {
+namespace {
+
+TEST(Keys, CurvesRefuseDisorderAndNonFiniteNumbersAndKeepTheirKeys) {
+  KeyCurve curve;
+  std::string problem;
+  ASSERT_TRUE(curve.assign({{0, 1, Interpolation::Linear}, {2, 3, Interpolation::Linear}}, &problem));
+  EXPECT_FALSE(curve.assign({{0, 1, Interpolation::Linear}, {0, 2, Interpolation::Linear}}, &problem));
+  EXPECT_EQ(problem, "key 1 repeats the time of the key before it");
+  EXPECT_FALSE(curve.assign({{0, std::nan(""), Interpolation::Linear}}, &problem));
+  EXPECT_EQ(problem, "key 0 is not a finite number");
+  ASSERT_EQ(curve.size(), 2u);  // the refused keys left it as it was
+  EXPECT_DOUBLE_EQ(curve.evaluate(1.0), 2.0);
+  EXPECT_DOUBLE_EQ(KeyCurve().evaluate(1.0), 0.0);
+}
+
+TEST(Keys, ReadsFollowKeysChangedBetweenSamplesAndLinksFromKeyedChannels) {
+  SceneFixture f(R"({"items": [
+      {"name": "A", "type": "locator", "keys": {"setup": {"Position.pos.X": [[0, 0], [1, 10]]}}},
+      {"name": "B", "type": "locator"}],
+    "links": [{"from": "A/Position.pos.X", "to": "B/Position.pos.Y"}]})");
+  EXPECT_NEAR(worldAt(f, "B", "edit", 0.25)[13], 2.5, 1e-12);  // B follows A's keys through the link
+  EXPECT_NEAR(worldAt(f, "A", "edit", 0.5)[12], 5.0, 1e-12);
+  Item* position = findItemByRef(f.scene, "A/Position", nullptr);
+  KeyCurve flat;
+  ASSERT_TRUE(flat.assign({{0, 7, Interpolation::Linear}}, nullptr));
+  ASSERT_TRUE(position->setKeys(0, kSetupAction, flat));
+  // The same action and time again: the evaluation kept from the last read must see the new keys.
+  EXPECT_NEAR(worldAt(f, "A", "edit", 0.5)[12], 7.0, 1e-12);
+  EXPECT_NEAR(worldAt(f, "B", "edit", 0.5)[13], 7.0, 1e-12);
+  ASSERT_TRUE(position->setKeys(0, kSetupAction, KeyCurve()));  // no keys: the value again
+  EXPECT_NEAR(worldAt(f, "A", "edit", 0.5)[12], 0.0, 1e-12);
+}
+
+TEST(Commands, FailuresLeaveTheTagAndSayWhy) {
+  SceneFixture f(R"({"items": [{"name": "walk", "type": "actionclip"}, {"name": "L", "type": "locator"}]})");
+  IVxCommand* raw = nullptr;
+  ASSERT_EQ(f.sdk.CommandService()->CreateCommand("item.exportTags", &raw), VXR_OK);
+  std::unique_ptr<IVxCommand, CommandReleaser> cmd(raw);
+  const char* text = nullptr;
+  EXPECT_EQ(cmd->ArgText(3, &text), VXR_FALSE);  // nothing set yet
+  EXPECT_STREQ(text, "");
+  ASSERT_EQ(cmd->SetArgText(3, "keep"), VXR_OK);
+  ASSERT_EQ(cmd->SetArgItem(0, f.item("L")), VXR_OK);
+  EXPECT_EQ(cmd->Execute(), VXR_FAILED);
+  EXPECT_STREQ(cmd->Message(), "items of type \"locator\" have no export tags; \"actionclip\" items do");
+  ASSERT_EQ(cmd->SetArgText(1, "clip"), VXR_OK);
+  EXPECT_EQ(cmd->Execute(), VXR_FAILED);
+  EXPECT_STREQ(cmd->Message(), "unknown item type \"clip\"");
+  ASSERT_EQ(cmd->ArgText(3, &text), VXR_OK);
+  EXPECT_STREQ(text, "keep");
+  ASSERT_EQ(cmd->SetArgItem(0, f.item("walk")), VXR_OK);
+  ASSERT_EQ(cmd->SetArgText(1, "actionclip"), VXR_OK);
+  ASSERT_EQ(cmd->Execute(), VXR_OK);  // an action clip without a tag gives an empty one
+  ASSERT_EQ(cmd->ArgText(3, &text), VXR_OK);
+  EXPECT_STREQ(text, "");
+  ASSERT_EQ(cmd->ArgText(0, &text), VXR_OK);
+  EXPECT_STREQ(text, "walk");
+  EXPECT_EQ(cmd->SetArgInteger(9, 0), VXR_OUTOFBOUNDS);
+}
+
+}  // namespace
+}  // namespace vexo

@@ -23,11 +23,23 @@ Evaluation::Evaluation(const Scene& scene, std::string_view action, double time)
   refresh();
 }
 
+void Evaluation::setTime(double time) {
+  refresh();
+  time_ = time;
+  ++generation_;  // the matrices computed so far no longer count; their slots are reused
+}
+
+bool Evaluation::known(const MatrixKey& key) const {
+  auto it = computed_.find(key);
+  return it != computed_.end() && it->second.generation == generation_;
+}
+
 void Evaluation::refresh() {
   if (computedRevision_ == scene_.valueRevision()) return;
   computed_.clear();
+  resolved_.clear();
+  activeActionsKnown_ = false;
   computedRevision_ = scene_.valueRevision();
-  if (action_ == kEditAction) activeActions_ = activeActionNames(scene_);
 }
 
 std::pair<const Item*, std::size_t> Evaluation::source(const Item& item, std::size_t channel) const {
@@ -53,6 +65,10 @@ Evaluation::Own Evaluation::resolve(const Item& item, std::size_t channel) {
   Own found = own(action_);
   if (found.keys || found.value) return found;
   if (action_ == kEditAction) {
+    if (!activeActionsKnown_) {
+      activeActions_ = activeActionNames(scene_);
+      activeActionsKnown_ = true;
+    }
     for (const std::string& name : activeActions_) {
       found = own(name);
       if (found.keys || found.value) return found;
@@ -62,18 +78,30 @@ Evaluation::Own Evaluation::resolve(const Item& item, std::size_t channel) {
   return found;
 }
 
-const Value& Evaluation::stored(const Item& item, std::size_t channel) {
-  const Own found = resolve(item, channel);
-  if (found.value) return *found.value;
-  if (!found.keys) return item.channel(channel).initial;
-  const double v = found.keys->evaluate(time_);
+const Evaluation::Resolved& Evaluation::resolved(const Item& item, std::size_t channel) {
+  std::vector<Resolved>& channels = resolved_[&item];
+  if (channels.empty()) {
+    channels.reserve(item.channelCount());
+    for (std::size_t c = 0; c < item.channelCount(); ++c) {
+      const auto [from, fromChannel] = source(item, c);
+      const auto which = scene_.locatorTypes().matrixChannelAt(from->typeCode(), fromChannel);
+      const Own own = which ? Own{} : resolve(*from, fromChannel);
+      channels.push_back({from, fromChannel, which ? static_cast<int>(*which) : -1, own.keys, own.value});
+    }
+  }
+  return channels[channel];
+}
+
+const Value& Evaluation::stored(const Item& item, std::size_t channel, const Resolved& r) {
+  if (r.value) return *r.value;
+  if (!r.keys) return item.channel(channel).initial;
   // An integer channel holds each key's value until the next.
   if (item.channel(channel).type == ValueType::Integer) {
     std::size_t i = 0;
-    while (i + 1 < found.keys->size() && found.keys->key(i + 1).time <= time_) ++i;
-    keyed_ = static_cast<std::int32_t>(std::lround(found.keys->key(i).value));
+    while (i + 1 < r.keys->size() && r.keys->key(i + 1).time <= time_) ++i;
+    keyed_ = static_cast<std::int32_t>(std::lround(r.keys->key(i).value));
   } else {
-    keyed_ = v;
+    keyed_ = r.keys->evaluate(time_);
   }
   return keyed_;
 }
@@ -87,14 +115,14 @@ const KeyCurve* Evaluation::keys(const Item& item, std::size_t channel) {
 const Value* Evaluation::value(const Item& item, std::size_t channel) {
   if (channel >= item.channelCount()) return nullptr;
   if (active_.empty()) refresh();
-  const auto [from, fromChannel] = source(item, channel);
-  if (auto which = scene_.locatorTypes().matrixChannelAt(from->typeCode(), fromChannel)) {
+  const Resolved& r = resolved(item, channel);
+  if (r.matrix >= 0) {
     Matrix m;
-    if (!compute(*from, *which, m)) return nullptr;
+    if (!compute(*r.from, static_cast<MatrixChannel>(r.matrix), m)) return nullptr;
     scratch_ = m;
     return &scratch_;
   }
-  return &stored(*from, fromChannel);
+  return &stored(*r.from, r.fromChannel, r);
 }
 
 bool Evaluation::number(const Item& item, std::size_t channel, double& out) {
@@ -147,12 +175,10 @@ std::optional<Evaluation::MatrixKey> Evaluation::computedSource(const Item& loca
 }
 
 bool Evaluation::computeDependencies(const MatrixKey& top) {
-  struct Step {
-    MatrixKey key;
-    bool expanded;
-  };
-  std::vector<Step> pending = {{top, false}};
-  std::unordered_set<MatrixKey, MatrixKeyHash> onPath;  // expanded, not yet computed
+  std::vector<Step>& pending = pending_;
+  pending.assign(1, {top, false});
+  std::unordered_set<MatrixKey, MatrixKeyHash>& onPath = onPath_;  // expanded, not yet computed
+  onPath.clear();
   std::optional<MatrixKey> needs[2];
   while (!pending.empty()) {
     const MatrixKey key = pending.back().key;
@@ -160,10 +186,10 @@ bool Evaluation::computeDependencies(const MatrixKey& top) {
       pending.pop_back();
       onPath.erase(key);
       Matrix m;
-      if (key != top && !computed_.count(key) && !compute(*key.first, key.second, m)) return false;
+      if (key != top && !known(key) && !compute(*key.first, key.second, m)) return false;
       continue;
     }
-    if (computed_.count(key)) {
+    if (known(key)) {
       pending.pop_back();
       continue;
     }
@@ -188,7 +214,7 @@ bool Evaluation::computeDependencies(const MatrixKey& top) {
         break;
     }
     for (const std::optional<MatrixKey>& need : needs) {
-      if (!need || computed_.count(*need)) continue;
+      if (!need || known(*need)) continue;
       if (onPath.count(*need)) return false;  // it needs itself
       pending.push_back({*need, false});
     }
@@ -199,12 +225,19 @@ bool Evaluation::computeDependencies(const MatrixKey& top) {
 bool Evaluation::compute(const Item& locator, MatrixChannel which, Matrix& out) {
   const MatrixKey key(&locator, which);
   if (active_.empty()) refresh();
-  if (auto known = computed_.find(key); known != computed_.end()) {
-    out = known->second;
+  if (auto found = computed_.find(key); found != computed_.end() && found->second.generation == generation_) {
+    out = found->second.matrix;
     return true;
   }
-  if (active_.empty() && !computeDependencies(key)) return false;
-  if (!active_.insert(key).second) return false;
+  // While the dependencies are worked through, each one's own are known already.
+  if (active_.empty() && !inDependencies_) {
+    inDependencies_ = true;
+    const bool ok = computeDependencies(key);
+    inDependencies_ = false;
+    if (!ok) return false;
+  }
+  if (std::find(active_.begin(), active_.end(), key) != active_.end()) return false;
+  active_.push_back(key);
 
   bool ok = true;
   Matrix a, b;
@@ -234,8 +267,8 @@ bool Evaluation::compute(const Item& locator, MatrixChannel which, Matrix& out) 
       }
       break;
   }
-  active_.erase(key);
-  if (ok) computed_.emplace(key, out);
+  active_.pop_back();
+  if (ok) computed_[key] = {out, generation_};
   return ok;
 }
 

@@ -38,6 +38,9 @@ class Evaluation {
 
   const std::string& action() const { return action_; }
   double time() const { return time_; }
+  // Moves to another time: computed matrices are dropped, but what each
+  // channel reads from (its link source, keys or value) is kept.
+  void setTime(double time);
 
   // The value a channel reads, or null when the channel index is out of
   // range or the value depends on itself (through links between matrix
@@ -67,8 +70,17 @@ class Evaluation {
  private:
   // The channel whose stored or computed value a channel reads: the end of its chain of links.
   std::pair<const Item*, std::size_t> source(const Item& item, std::size_t channel) const;
+  // Where a channel's value comes from, found once per scene revision.
+  struct Resolved {
+    const Item* from;          // the end of its chain of links
+    std::size_t fromChannel;
+    int matrix;                // the MatrixChannel `from` computes there, or -1
+    const KeyCurve* keys;      // else the keys it reads
+    const Value* value;        // else the value it reads
+  };
+  const Resolved& resolved(const Item& item, std::size_t channel);
   // The one place stored values are looked up: keys are evaluated here.
-  const Value& stored(const Item& item, std::size_t channel);
+  const Value& stored(const Item& item, std::size_t channel, const Resolved& r);
   // The keys or value an action itself holds for the channel; both null when neither.
   struct Own {
     const KeyCurve* keys = nullptr;
@@ -99,17 +111,34 @@ class Evaluation {
   double time_;
   Value scratch_;
   Value keyed_;  // the value of the keys read last
-  std::vector<std::string> activeActions_;  // for "edit": the active action clips
+  std::vector<std::string> activeActions_;  // for "edit": the active action clips, found when first needed
+  bool activeActionsKnown_ = false;
   std::vector<std::vector<int>> transformChannels_;  // by type code; empty until first needed
+  std::unordered_map<const Item*, std::vector<Resolved>> resolved_;  // per item, by channel
   struct MatrixKeyHash {
     std::size_t operator()(const MatrixKey& key) const {
       return std::hash<const void*>()(key.first) * 8 + static_cast<std::size_t>(key.second);
     }
   };
   // The matrices being computed, to catch one that needs itself.
-  std::unordered_set<MatrixKey, MatrixKeyHash> active_;
+  std::vector<MatrixKey> active_;
+  bool inDependencies_ = false;
   // The matrices computed since the scene's values last changed.
-  std::unordered_map<MatrixKey, Matrix, MatrixKeyHash> computed_;
+  // Entries of earlier times (another generation) are stale and overwritten in place.
+  struct Computed {
+    Matrix matrix;
+    std::uint64_t generation;
+  };
+  std::unordered_map<MatrixKey, Computed, MatrixKeyHash> computed_;
+  std::uint64_t generation_ = 0;
+  bool known(const MatrixKey& key) const;
+  // computeDependencies' work lists, kept to spare allocations.
+  struct Step {
+    MatrixKey key;
+    bool expanded;
+  };
+  std::vector<Step> pending_;
+  std::unordered_set<MatrixKey, MatrixKeyHash> onPath_;
   std::uint64_t computedRevision_ = 0;
 };
 

@@ -50,8 +50,11 @@ SdkScene::~SdkScene() = default;
 IVxLocatorService* SdkScene::LocatorService() { return locatorService_.get(); }
 
 Evaluation& SdkScene::evaluation(const char* action, double time) {
-  if (!evaluation_ || evaluation_->action() != action || !(evaluation_->time() == time))
+  // Sampling moves through time in one action: keep what the channels read from.
+  if (!evaluation_ || evaluation_->action() != action)
     evaluation_ = std::make_unique<Evaluation>(scene_, action, time);
+  else if (!(evaluation_->time() == time))
+    evaluation_->setTime(time);
   return *evaluation_;
 }
 

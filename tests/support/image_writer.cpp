@@ -1,4 +1,4 @@
-// The image writer the shading tests make their PNG and JPEG files with. Its
+// The image writer the tests make PNG, JPEG and other image files with. Its
 // JPEG encoder shifts negative numbers left, which the sanitizers would stop
 // on; this file alone is built without that check (see CMakeLists.txt).
 #pragma GCC diagnostic push
