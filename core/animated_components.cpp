@@ -19,20 +19,15 @@ const ComponentChannels kComponents[] = {
 }  // namespace
 
 AnimatedComponents findAnimatedComponents(const CVxUser_Scene& scene, const CVxLocator& locator,
-                                          const std::vector<std::string>& actions) {
+                                          const char* action) {
   AnimatedComponents found;
   if (!locator.test()) return found;
-  std::vector<CVxKeys> views;
-  views.reserve(actions.size());
-  for (const std::string& action : actions) views.emplace_back(scene, action.c_str());
+  const CVxKeys keys(scene, action);
   for (const ComponentChannels& component : kComponents) {
     const CVxUser_Item transform = locator.mainTransform(component.transform);
     if (!transform.test()) continue;
-    for (const char* name : component.names) {
-      const int channel = transform.channelIndex(name);
-      for (const CVxKeys& keys : views)
-        if (keys.count(transform, channel) > 0) found.*component.flag = true;
-    }
+    for (const char* name : component.names)
+      if (keys.count(transform, transform.channelIndex(name)) > 0) found.*component.flag = true;
   }
   return found;
 }

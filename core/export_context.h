@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "animated_components.h"
 #include "export_options.h"
 #include "gltf/document.h"
 #include "gltf_log_msg.h"
@@ -30,6 +31,11 @@ class MeshSource {
 struct NodeTransform {
   TransformAnalysis analysis;
   Placement rule = Placement::Local;
+};
+
+struct AnimatedItem {
+  CVxUser_Item item;
+  AnimatedComponents components;
 };
 
 // An item whose mesh the deformer phase may skin, with the node made for it.
@@ -58,15 +64,12 @@ struct ExportContext {
   std::unordered_map<std::uint32_t, NodeTransform> nodeTransforms;  // by node
   std::vector<DeformerEntry> deformers;
 
-  // Filled by the scan: the actions whose keys the scene timeline plays
-  // ("setup", "edit" and the active action clips), the actors of the
-  // "currentGroups" list and every action clip met.
-  std::vector<std::string> timelineActions;
+  // Filled by the scan: the actors of the "currentGroups" list and every action clip met.
   std::vector<CVxUser_Item> actors;
   std::vector<CVxUser_Item> actions;
   // Filled by the node walk when the timeline is exported: the items whose
-  // position, rotation or scale moves in it, in node order.
-  std::vector<CVxUser_Item> animatedItems;
+  // position, rotation or scale moves in it ("edit"), in node order.
+  std::vector<AnimatedItem> animatedItems;
 
   // Set by the driver for the node walk; null exports no geometry.
   MeshSource* meshes = nullptr;

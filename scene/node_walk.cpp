@@ -41,10 +41,11 @@ std::uint32_t createNode(ExportContext& context, const CVxUser_Item& item, std::
   }
   if (camera != GltfDocument::kNone) document.setNodeCamera(node, camera);
   chooseTransform(context, item, node, parentNode);
-  // The timeline animates the items whose position, rotation or scale is keyed in what it plays.
-  if (context.options.animation != 0 && context.options.exportActionType == 0 &&
-      findAnimatedComponents(context.scene, CVxLocator(context.scene, item), context.timelineActions).any())
-    context.animatedItems.push_back(item);
+  // The timeline animates the items whose position, rotation or scale is keyed in what "edit" plays.
+  if (context.options.animation != 0 && context.options.exportActionType == 0) {
+    const AnimatedComponents animated = findAnimatedComponents(context.scene, CVxLocator(context.scene, item), "edit");
+    if (animated.any()) context.animatedItems.push_back({item, animated});
+  }
   return node;
 }
 

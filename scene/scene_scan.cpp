@@ -18,7 +18,6 @@ void scanAction(ExportContext& context, const CVxUser_Item& action) {
   context.edit.integer(action, action.channelIndex("enabled"), enabled);
   context.log.info("Action:%s active:%d enabled:%d", action.name().c_str(), active ? 1 : 0, static_cast<int>(enabled));
   context.actions.push_back(action);
-  if (active) context.timelineActions.push_back(action.name());
 }
 
 void scanIKSolver(ExportContext& context, const CVxUser_Item& solver) {
@@ -73,7 +72,6 @@ void scanScene(ExportContext& context) {
   roots.clear();
   context.actors.clear();
   context.actions.clear();
-  context.timelineActions = {"setup", "edit"};
   findActors(context);
 
   switch (context.options.exportType) {

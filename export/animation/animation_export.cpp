@@ -55,7 +55,7 @@ class AnimationPhase {
 
     if (c_.options.exportActionType == 0) {
       items_.clear();
-      for (const CVxUser_Item& item : c_.animatedItems) registerItem(item, c_.timelineActions);
+      for (const AnimatedItem& animated : c_.animatedItems) registerItem(animated.item, &animated.components, "edit");
       sample(sceneItem.name(), "edit", start, end, rate);
     } else {
       exportActions(rate);
@@ -102,13 +102,12 @@ class AnimationPhase {
     actor.setActive(action, true);
 
     c_.log.info("Getting animation time range for actor: %s", actor.item().name().c_str());
-    const std::vector<std::string> actions{actionName};
     const CVxKeys keys(c_.scene, actionName.c_str());
     TimeRange range;
     for (unsigned i = 0; i < actor.itemCount(); ++i) {
       const CVxUser_Item item = actor.itemAt(i);
       if (!item.test()) continue;
-      registerItem(item, actions);
+      registerItem(item, nullptr, actionName.c_str());
       widenRange(keys, item, range);
     }
     sample(name, actionName.c_str(), range.start, range.end, rate);
@@ -145,14 +144,14 @@ class AnimationPhase {
   }
 
   // Marks the item's node for translation, rotation and scale, and keeps it
-  // for sampling when one of them moves in `actions`.
-  void registerItem(const CVxUser_Item& item, const std::vector<std::string>& actions) {
+  // for sampling when one of them moves in `action` (`known`: as the node walk found).
+  void registerItem(const CVxUser_Item& item, const AnimatedComponents* known, const char* action) {
     const std::uint32_t node = c_.itemNodes.find(item);
     if (node == GltfDocument::kNone) return;
     c_.log.info("Adding sample xform anim for %s", item.name().c_str());
     c_.document->setNodeAnimated(node);
     CVxLocator locator(c_.scene, item);
-    const AnimatedComponents animated = findAnimatedComponents(c_.scene, locator, actions);
+    const AnimatedComponents animated = known ? *known : findAnimatedComponents(c_.scene, locator, action);
     if (!animated.any()) return;
     const auto found = c_.nodeTransforms.find(node);
     const Placement rule = found == c_.nodeTransforms.end() ? Placement::Local : found->second.rule;
