@@ -273,7 +273,7 @@ TEST(Examples, EveryExportTypeAndFormIsValid) {
   };
   const Case cases[] = {{"hierarchy.json", "0"}, {"hierarchy.json", "1"}, {"hierarchy.json", "2"},
                         {"meshes.json", "0"},    {"meshes.json", "1"},    {"textured.json", "1"},
-                        {"materials.json", "0"}, {"skinned_arm.json", "0"}};
+                        {"materials.json", "0"}, {"skinned_arm.json", "0"}, {"animated.json", "0"}};
   for (const Case& example : cases) {
     for (const char* form : {"gltf", "glb"}) {
       SCOPED_TRACE(std::string(example.scene) + " export type " + example.exportType + " " + form);
