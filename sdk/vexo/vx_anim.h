@@ -2,8 +2,8 @@
 //
 // An action is an "actionclip" item; channel readers take its name as their
 // action. Key queries name the action the same way ("setup", "edit" or a
-// clip's name) and see only the keys that action holds itself, without the
-// fallback a channel read makes.
+// clip's name) and answer for the keys a channel read in that action takes:
+// the action's own, else (for "edit") the active clip's, else "setup"'s.
 #pragma once
 
 #include <cstdint>
