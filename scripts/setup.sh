@@ -4,15 +4,21 @@
 # With --test, also what the test suite needs: the pinned glTF
 # validator and the glTF reader the tests read files back with, Python for the
 # generated test scenes, and clang with its sanitizer and libFuzzer runtimes
-# for the save fuzzer (fuzz/run.sh).
+# for the save fuzzer (fuzz/run.sh), and the real glTF assets the loader
+# tests convert. With --bench, the peer exporter the benchmarks compare with.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-packages=(cmake g++ make rapidjson-dev libcli11-dev libgtest-dev libgmock-dev libstb-dev chromium)
+packages=(cmake g++ make rapidjson-dev libcli11-dev libgtest-dev libgmock-dev libstb-dev libtinygltf-dev chromium)
 command -v node >/dev/null 2>&1 || packages+=(nodejs)
 command -v npm >/dev/null 2>&1 || packages+=(npm)
 if [[ "${1:-}" == "--test" ]]; then
-  packages+=(python3 clang libclang-rt-dev)
+  # assimp-testmodels ships real glTF sample assets that the loader tests convert.
+  packages+=(python3 clang libclang-rt-dev assimp-testmodels)
+fi
+if [[ "${1:-}" == "--bench" ]]; then
+  # The peer the benchmarks measure against, as a library and as a command.
+  packages+=(libassimp-dev assimp-utils)
 fi
 
 missing=()
