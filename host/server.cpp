@@ -8,12 +8,11 @@ VxResult CVxTagTable::TagByIndex(unsigned index, VxTag* tag) const {
   return VXR_OK;
 }
 
-const char* CVxSaverFactoryBase::InterfaceName(unsigned index) const {
-  static const char* const kInterfaces[] = {VX_INTERFACE_SAVER, VX_INTERFACE_STATICDESC};
-  return index < 2 ? kInterfaces[index] : nullptr;
+const char* CVxFactoryBase::InterfaceName(unsigned index) const {
+  return index == 0 ? interface_ : index == 1 ? VX_INTERFACE_STATICDESC : nullptr;
 }
 
-VxResult CVxModule::addServer(IVxHost* host, std::unique_ptr<CVxSaverFactoryBase> factory) {
+VxResult CVxModule::addServer(IVxHost* host, std::unique_ptr<CVxFactoryBase> factory) {
   if (!host || !factory) return VXR_BADARG;
   VxResult result = host->RegisterServer(factory.get());
   if (VxOk(result)) factories_.push_back(std::move(factory));

@@ -11,4 +11,7 @@ namespace CVxHost {
 void set(IVxHost* host);
 IVxHost* get();
 
+// Registers a loader's option set with the host; false without a host or when it refuses.
+bool registerLoaderOptions(const char* loader, IVxAttributes& options);
+
 }  // namespace CVxHost

@@ -2,10 +2,13 @@
 #include <memory>
 
 #include "gltf_saver.h"
+#include "load_options.h"
 #include "host/server.h"
 #include "host/vx_host.h"
 
 namespace {
+
+using Tags = std::vector<std::pair<std::string, std::string>>;
 
 constexpr const char* kModuleName = "gltfio";
 constexpr const char* kLogSubsystem = "io-status";
@@ -37,6 +40,11 @@ extern "C" __attribute__((visibility("default"))) IVxModule* _IVxModule_Create(I
   auto module = std::make_unique<CVxModule>(kModuleName);
   module->addServer(host, std::make_unique<CVxSaverFactory<GltfSaver>>(kGlb.server, saverTags(kGlb)));
   module->addServer(host, std::make_unique<CVxSaverFactory<GltfSaverGLTF>>(kGltf.server, saverTags(kGltf)));
+  module->addServer(host, std::make_unique<CVxCommandFactory<LoadOptionsCmd>>(
+                              loadopts::kCommandServer, CVxTagTable(Tags{{VX_TAG_SERVER_USERNAME, "glTF Load Options"}})));
+  module->addServer(host, std::make_unique<CVxConfigIOFactory<LoadOptionsIO>>(loadopts::kConfigServer, CVxTagTable(Tags{})));
+  module->addServer(host, std::make_unique<CVxPersistVisitorFactory<LoadPersistOptionsVisitor>>(
+                              loadopts::kVisitorServer, CVxTagTable(Tags{})));
   return module.release();
 } catch (...) {
   return nullptr;

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 
+#include "vexo/vx_attributes.h"
 #include "vexo/vx_result.h"
 #include "vexo/vx_services.h"
 
@@ -58,8 +59,11 @@ class IVxFactory {
   virtual unsigned InterfaceCount() const = 0;
   virtual const char* InterfaceName(unsigned index) const = 0;  // "saver", "staticDesc", ...
   virtual const IVxStaticDesc* StaticDesc() const = 0;
-  // Null unless the factory lists the "saver" interface.
+  // Each Spawn call is null unless the factory lists its interface.
   virtual IVxSaver* SpawnSaver() = 0;
+  virtual IVxCommandServer* SpawnCommand() = 0;         // "command"
+  virtual IVxConfigIO* SpawnConfigIO() = 0;             // "configIO"
+  virtual IVxPersistVisitor* SpawnPersistVisitor() = 0;  // "persistVisitor"
 
  protected:
   ~IVxFactory() = default;
@@ -79,6 +83,9 @@ class IVxModule {
 // Interface and tag names the host understands.
 #define VX_INTERFACE_SAVER "saver"
 #define VX_INTERFACE_STATICDESC "staticDesc"
+#define VX_INTERFACE_COMMAND "command"
+#define VX_INTERFACE_CONFIGIO "configIO"
+#define VX_INTERFACE_PERSISTVISITOR "persistVisitor"
 #define VX_TAG_SAVER_OUTCLASS "saver.outClass"
 #define VX_TAG_SAVER_DOSTYPE "saver.dosType"
 #define VX_TAG_SERVER_USERNAME "server.username"

@@ -9,6 +9,7 @@
 
 #include "vexo/vx_result.h"
 
+class IVxAttributes;
 class IVxFactory;
 class IVxSceneService;
 
@@ -83,6 +84,10 @@ class IVxHost {
   virtual IVxLogService* LogService() = 0;
   virtual IVxMessageService* MessageService() = 0;
   virtual IVxSceneService* SceneService() = 0;
+  // Registers the option set of a loader, by the loader's server name. The
+  // host keeps the pointer and reads and sets the options through it; the set
+  // must live until the module is released. A later set for the same loader replaces it.
+  virtual VxResult RegisterLoaderOptions(const char* loader, IVxAttributes* options) = 0;
 
  protected:
   ~IVxHost() = default;

@@ -19,6 +19,7 @@ class FakeHost : public IVxHost, IVxUserValues, IVxLogService, IVxLogSubsystem, 
   std::vector<std::string> log;             // "LEVEL: TEXT", LEVEL one of info, trace, warning, error
   std::vector<std::string> messages;        // "table/entry: text"
   std::vector<IVxFactory*> servers;
+  std::vector<std::pair<std::string, IVxAttributes*>> loaderOptions;  // in registration order
   bool refuseEntries = false;  // CreateEntry fails, as when the log is full
 
   // IVxHost
@@ -30,6 +31,10 @@ class FakeHost : public IVxHost, IVxUserValues, IVxLogService, IVxLogSubsystem, 
   IVxLogService* LogService() override { return this; }
   IVxMessageService* MessageService() override { return this; }
   IVxSceneService* SceneService() override { return nullptr; }  // no scene, no types
+  VxResult RegisterLoaderOptions(const char* loader, IVxAttributes* options) override {
+    loaderOptions.emplace_back(loader, options);
+    return VXR_OK;
+  }
 
   // IVxUserValues
   VxResult GetInt(const char* key, std::int32_t* value) override {

@@ -59,6 +59,9 @@ class RecordingFactory final : public IVxFactory {
   const char* InterfaceName(unsigned index) const override { return index == 0 ? VX_INTERFACE_SAVER : nullptr; }
   const IVxStaticDesc* StaticDesc() const override { return nullptr; }
   IVxSaver* SpawnSaver() override { return new RecordingSaver(name_, ++spawned_); }
+  IVxCommandServer* SpawnCommand() override { return nullptr; }
+  IVxConfigIO* SpawnConfigIO() override { return nullptr; }
+  IVxPersistVisitor* SpawnPersistVisitor() override { return nullptr; }
 
  private:
   const char* name_;

@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "command/inspect_command.h"
+#include "command/load_options_command.h"
 #include "command/preview_command.h"
 #include "command/save_command.h"
 
@@ -44,6 +45,14 @@ int parseAndRun(int argc, const char* const* argv, std::ostream& out, std::ostre
   preview->add_option("--size", previewRequest.size, "Picture size WIDTHxHEIGHT (default: 800x600)");
   preview->add_option("--time", previewRequest.time, "Seconds to pose every animation at (default: 0)");
 
+  LoadOptionsRequest loadOptionsRequest;
+  CLI::App* loadOptions =
+      app.add_subcommand("load-options", "Print the glTF loader's options, or change them for later runs");
+  loadOptions->add_option("--set", loadOptionsRequest.settings, "Set an option, NAME=VALUE (repeatable)")
+      ->allow_extra_args(false);
+  loadOptions->add_option("--plugin", loadOptionsRequest.pluginPath,
+                          "Plug-in file (default: $VEXO_PLUGIN_PATH, else gltfio.vx beside vexo)");
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& e) {
@@ -52,6 +61,7 @@ int parseAndRun(int argc, const char* const* argv, std::ostream& out, std::ostre
     const char* usage = save->parsed()      ? "vexo save --help"
                         : inspect->parsed() ? "vexo inspect --help"
                         : preview->parsed() ? "vexo preview --help"
+                        : loadOptions->parsed() ? "vexo load-options --help"
                                             : "vexo --help";
     err << "vexo: " << e.what() << " (see " << usage << ")\n";
     return kExitUsage;
@@ -61,6 +71,7 @@ int parseAndRun(int argc, const char* const* argv, std::ostream& out, std::ostre
     return runInspect(inspectRequest, out, err);
   }
   if (preview->parsed()) return runPreview(previewRequest, out, err);
+  if (loadOptions->parsed()) return runLoadOptions(loadOptionsRequest, out, err);
   return runSave(request, out, err);
 }
 

@@ -49,6 +49,8 @@ std::unique_ptr<LoadedPlugin> LoadedPlugin::load(const std::string& path, SdkHos
 LoadedPlugin::~LoadedPlugin() {
   if (module_) module_->Release();
   for (const std::string& name : servers_) host_.unregisterServer(name);
+  // The option sets live in the module; the host loads one module at a time.
+  host_.forgetLoaderOptions();
   dlclose(library_);
 }
 

@@ -36,4 +36,22 @@ void SdkHost::unregisterServer(std::string_view name) {
                  servers_.end());
 }
 
+VxResult SdkHost::RegisterLoaderOptions(const char* loader, IVxAttributes* options) {
+  if (!loader || !*loader || !options) return VXR_BADARG;
+  for (auto& [name, registered] : loaderOptions_)
+    if (name == loader) return registered = options, VXR_OK;
+  try {
+    loaderOptions_.emplace_back(loader, options);
+  } catch (...) {
+    return VXR_FAILED;  // no exception into the module that called
+  }
+  return VXR_OK;
+}
+
+IVxAttributes* SdkHost::loaderOptions(std::string_view loader) const {
+  for (const auto& [name, options] : loaderOptions_)
+    if (name == loader) return options;
+  return nullptr;
+}
+
 }  // namespace vexo

@@ -28,6 +28,8 @@ class SdkHost final : public IVxHost {
   IVxLogService* LogService() override { return &logService_; }
   IVxMessageService* MessageService() override { return &messageService_; }
   IVxSceneService* SceneService() override { return &sceneService_; }
+  // Fails for a null set or an empty loader name.
+  VxResult RegisterLoaderOptions(const char* loader, IVxAttributes* options) override;
 
   // Null when no factory has that name.
   IVxFactory* findServer(std::string_view name) const;
@@ -36,6 +38,11 @@ class SdkHost final : public IVxHost {
   // Forgets a factory, as when its module is unloaded.
   void unregisterServer(std::string_view name);
 
+  // The option set registered for a loader; null when none is.
+  IVxAttributes* loaderOptions(std::string_view loader) const;
+  // Forgets every loader's option set, as when the module that registered them is unloaded.
+  void forgetLoaderOptions() { loaderOptions_.clear(); }
+
  private:
   HostServices& services_;
   SdkUserValues userValues_;
@@ -43,6 +50,7 @@ class SdkHost final : public IVxHost {
   SdkMessageService messageService_;
   SdkSceneService sceneService_;
   std::vector<std::pair<std::string, IVxFactory*>> servers_;
+  std::vector<std::pair<std::string, IVxAttributes*>> loaderOptions_;
 };
 
 }  // namespace vexo
