@@ -47,7 +47,8 @@ TEST(Module, RegistersBothSaversWithTheirTags) {
                     {"server.logsubsystem", "io-status"}}},
       {"gltf.gltf", {{"saver.outClass", "scene2"}, {"saver.dosType", "gltf"}, {"server.username", "glTF v2 .gltf"},
                      {"server.logsubsystem", "io-status"}}}};
-  ASSERT_EQ(host.servers.size(), 2u);
+  // The savers come first; the load-options servers follow them.
+  ASSERT_EQ(host.servers.size(), 5u);
   for (std::size_t i = 0; i < 2; ++i) {
     IVxFactory* factory = host.servers[i];
     EXPECT_EQ(factory->ServerName(), expected[i].first);
@@ -58,6 +59,17 @@ TEST(Module, RegistersBothSaversWithTheirTags) {
     IVxSaver* saver = factory->SpawnSaver();
     ASSERT_NE(saver, nullptr);
     saver->Release();
+    EXPECT_EQ(factory->SpawnCommand(), nullptr);
+    EXPECT_EQ(factory->SpawnConfigIO(), nullptr);
+    EXPECT_EQ(factory->SpawnPersistVisitor(), nullptr);
+  }
+  const std::pair<std::string, std::string> loadOptionServers[] = {
+      {"gltf.loadOptions", "command"}, {"loaderOptions.gltf", "configIO"}, {"loaderOptions.gltf.visitor", "persistVisitor"}};
+  for (std::size_t i = 0; i < 3; ++i) {
+    IVxFactory* factory = host.servers[2 + i];
+    EXPECT_EQ(factory->ServerName(), loadOptionServers[i].first);
+    EXPECT_EQ(factory->InterfaceName(0), loadOptionServers[i].second);
+    EXPECT_EQ(factory->SpawnSaver(), nullptr);
   }
   module->Release();
   dlclose(handle);
