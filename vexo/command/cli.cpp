@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "command/convert_command.h"
 #include "command/inspect_command.h"
 #include "command/preview_command.h"
 #include "command/save_command.h"
@@ -44,6 +45,16 @@ int parseAndRun(int argc, const char* const* argv, std::ostream& out, std::ostre
   preview->add_option("--size", previewRequest.size, "Picture size WIDTHxHEIGHT (default: 800x600)");
   preview->add_option("--time", previewRequest.time, "Seconds to pose every animation at (default: 0)");
 
+  ConvertRequest convertRequest;
+  CLI::App* convert = app.add_subcommand("convert", "Load a .gltf or .glb with the host's loader and save it through the plug-in");
+  convert->add_option("input", convertRequest.input, "The .gltf or .glb file to load")->required();
+  convert->add_option("destination", convertRequest.destination, "File to write")->required();
+  convert->add_option("--format", convertRequest.format, "glb or gltf (default: by the destination's extension)")
+      ->check(CLI::IsMember({"glb", "gltf"}));
+  convert->add_option("--set", convertRequest.settings, "Set a host user value, KEY=VALUE (repeatable)")
+      ->allow_extra_args(false);
+  convert->add_option("--plugin", convertRequest.pluginPath, "Plug-in file (default: $VEXO_PLUGIN_PATH, else gltfio.vx beside vexo)");
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& e) {
@@ -52,6 +63,7 @@ int parseAndRun(int argc, const char* const* argv, std::ostream& out, std::ostre
     const char* usage = save->parsed()      ? "vexo save --help"
                         : inspect->parsed() ? "vexo inspect --help"
                         : preview->parsed() ? "vexo preview --help"
+                        : convert->parsed() ? "vexo convert --help"
                                             : "vexo --help";
     err << "vexo: " << e.what() << " (see " << usage << ")\n";
     return kExitUsage;
@@ -61,6 +73,10 @@ int parseAndRun(int argc, const char* const* argv, std::ostream& out, std::ostre
     return runInspect(inspectRequest, out, err);
   }
   if (preview->parsed()) return runPreview(previewRequest, out, err);
+  if (convert->parsed()) {
+    GltfLoadOptions options;
+    return runConvert(convertRequest, options, out, err);
+  }
   return runSave(request, out, err);
 }
 
