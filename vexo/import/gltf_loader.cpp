@@ -11,8 +11,7 @@ namespace {
 
 // Extensions whose data the loader reads; any other one the file uses is
 // left out with a warning.
-const std::set<std::string> kReadExtensions = {"KHR_materials_unlit", "KHR_materials_emissive_strength",
-                                               "KHR_lights_punctual"};
+const std::set<std::string> kReadExtensions = {"KHR_materials_unlit", "KHR_materials_emissive_strength"};
 const char* const kDraco = "KHR_draco_mesh_compression";
 
 // Images are kept as the bytes the file holds: the host's image clips read
