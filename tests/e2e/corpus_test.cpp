@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <map>
@@ -229,6 +230,14 @@ void expectSameCorners(const Converted& c, const Parts& parts) {
   EXPECT_EQ(unmatchedCorners(in.corners, out.corners, 1e-5 * std::max(1.0, in.extent)), 0u);
 }
 
+// A test name from an asset's path: its letters and digits.
+std::string testName(const char* path) {
+  std::string name;
+  for (const char* c = path; *c; ++c)
+    if (std::isalnum(static_cast<unsigned char>(*c))) name += *c;
+  return name;
+}
+
 struct Asset {
   const char* path;
   Parts parts;
@@ -263,7 +272,8 @@ INSTANTIATE_TEST_SUITE_P(
                       Asset{"glTF-Asset-Generator/Mesh_PrimitiveMode/Mesh_PrimitiveMode_12.gltf", kAll},
                       Asset{"glTF-Asset-Generator/Mesh_PrimitiveMode/Mesh_PrimitiveMode_13.gltf", kAll},
                       Asset{"glTF-Asset-Generator/Mesh_PrimitiveMode/Mesh_PrimitiveMode_14.gltf", kAll},
-                      Asset{"glTF-Asset-Generator/Mesh_PrimitiveMode/Mesh_PrimitiveMode_15.gltf", kAll}));
+                      Asset{"glTF-Asset-Generator/Mesh_PrimitiveMode/Mesh_PrimitiveMode_15.gltf", kAll}),
+    [](const ::testing::TestParamInfo<Asset>& info) { return testName(info.param.path); });
 
 // Images inside a .glb come out as the same bytes, and the cameras keep their field of view.
 TEST(Corpus, CamerasKeepTheirPlaceAndFieldOfView) {
@@ -358,7 +368,8 @@ INSTANTIATE_TEST_SUITE_P(
         Broken{"BoxWithInfinites-glTF-Binary/BoxWithInfinites.glb",
                "mesh 0 POSITION: accessor 2 holds a value that is not finite at element 0"},
         Broken{"draco/2CylinderEngine.gltf",
-               "meshes compressed with KHR_draco_mesh_compression cannot be loaded; decompress the file first"}));
+               "meshes compressed with KHR_draco_mesh_compression cannot be loaded; decompress the file first"}),
+    [](const ::testing::TestParamInfo<Broken>& info) { return testName(info.param.path); });
 
 // Files with values of the wrong JSON type: the parser passes over what it
 // cannot read, and what it read converts to a valid file.
