@@ -2,12 +2,23 @@
 // clip with an AnimationMixer: at each key time of the clip it prints every
 // node's translation, rotation and scale as the mixer set them, and its local
 // and world matrices as three.js composes them (column-major, glTF's order).
-//   node animate.mjs FILE
+//   node animate.mjs FILE [TIMES]
+// TIMES, a comma-separated list of seconds, replaces the key times.
 import { readFileSync } from 'node:fs';
 import * as THREE from 'three';
 import { GLTFLoader } from 'three/examples/jsm/loaders/GLTFLoader.js';
 
-const [file] = process.argv.slice(2);
+// three.js reports the progress of its fetches (data URIs, .bin files) with
+// the browser's ProgressEvent, which Node.js lacks.
+globalThis.ProgressEvent ??= class ProgressEvent extends Event {
+  constructor(type, init = {}) {
+    super(type);
+    Object.assign(this, init);
+  }
+};
+
+const [file, timeList] = process.argv.slice(2);
+const givenTimes = timeList ? timeList.split(',').map(Number) : null;
 const bytes = readFileSync(file);
 const data = bytes.buffer.slice(bytes.byteOffset, bytes.byteOffset + bytes.byteLength);
 const base = file.includes('/') ? file.slice(0, file.lastIndexOf('/') + 1) : './';
@@ -21,7 +32,8 @@ const nodes = [];
 scene.traverse((object) => {
   if (gltf.parser.associations.has(object)) {
     const { nodes: index } = gltf.parser.associations.get(object);
-    if (index !== undefined) nodes.push({ name: gltf.parser.json.nodes[index].name, index, object });
+    // An unnamed node goes by "#INDEX".
+    if (index !== undefined) nodes.push({ name: gltf.parser.json.nodes[index].name ?? `#${index}`, index, object });
   }
 });
 
@@ -33,7 +45,7 @@ for (const clip of gltf.animations) {
   action.setLoop(THREE.LoopOnce, 1);
   action.clampWhenFinished = true;
   action.play();
-  const times = [...new Set(clip.tracks.flatMap((track) => Array.from(track.times)))].sort((a, b) => a - b);
+  const times = givenTimes ?? [...new Set(clip.tracks.flatMap((track) => Array.from(track.times)))].sort((a, b) => a - b);
   const samples = [];
   for (const time of times) {
     mixer.setTime(time);

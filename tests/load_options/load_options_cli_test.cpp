@@ -202,4 +202,29 @@ TEST_F(PersistedLoadOptions, RefusedPersistedValueIsAnError) {
   EXPECT_EQ(error, path + ":1:40: loaderOptions.gltf.importUnits takes one of its choices");
 }
 
+// `vexo convert` loads with what was persisted: a file saved from the
+// meshes example comes back without geometry once loadGeometry is off, and
+// a bad configuration stops it before anything is written.
+TEST_F(LoadOptionsCli, ConvertLoadsWithThePersistedOptions) {
+  const std::string input = dir.file("meshes.glb");
+  ASSERT_EQ(runVexo({"save", GLTFIO_EXAMPLES_DIR "/meshes.json", input, "--set", "sceneio.gltf.save.exportType=0"})
+                .exitCode,
+            0);
+  VexoRun run = runVexo({"convert", input, dir.file("with.gltf")});
+  ASSERT_EQ(run.exitCode, 0) << run.errText();
+  EXPECT_NE(readFile(dir.file("with.gltf")).find("\"POSITION\""), std::string::npos);
+
+  ASSERT_EQ(loadOptions({"loadGeometry=false"}).exitCode, 0);
+  run = runVexo({"convert", input, dir.file("without.gltf")});
+  ASSERT_EQ(run.exitCode, 0) << run.errText();
+  const std::string without = readFile(dir.file("without.gltf"));
+  EXPECT_EQ(without.find("\"POSITION\""), std::string::npos);
+  EXPECT_NE(without.find("\"nodes\""), std::string::npos);
+
+  dir.write("config.json", "{\"loaderOptions.gltf\": {\"loadGeometry\": 3}}");
+  run = runVexo({"convert", input, dir.file("refused.gltf")});
+  EXPECT_EQ(run.exitCode, 2) << run.errText();
+  EXPECT_FALSE(fileExists(dir.file("refused.gltf")));
+}
+
 }  // namespace

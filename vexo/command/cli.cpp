@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "command/convert_command.h"
 #include "command/inspect_command.h"
 #include "command/load_options_command.h"
 #include "command/preview_command.h"
@@ -53,6 +54,16 @@ int parseAndRun(int argc, const char* const* argv, std::ostream& out, std::ostre
   loadOptions->add_option("--plugin", loadOptionsRequest.pluginPath,
                           "Plug-in file (default: $VEXO_PLUGIN_PATH, else gltfio.vx beside vexo)");
 
+  ConvertRequest convertRequest;
+  CLI::App* convert = app.add_subcommand("convert", "Load a .gltf or .glb with the host's loader and save it through the plug-in");
+  convert->add_option("input", convertRequest.input, "The .gltf or .glb file to load")->required();
+  convert->add_option("destination", convertRequest.destination, "File to write")->required();
+  convert->add_option("--format", convertRequest.format, "glb or gltf (default: by the destination's extension)")
+      ->check(CLI::IsMember({"glb", "gltf"}));
+  convert->add_option("--set", convertRequest.settings, "Set a host user value, KEY=VALUE (repeatable)")
+      ->allow_extra_args(false);
+  convert->add_option("--plugin", convertRequest.pluginPath, "Plug-in file (default: $VEXO_PLUGIN_PATH, else gltfio.vx beside vexo)");
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& e) {
@@ -62,6 +73,7 @@ int parseAndRun(int argc, const char* const* argv, std::ostream& out, std::ostre
                         : inspect->parsed() ? "vexo inspect --help"
                         : preview->parsed() ? "vexo preview --help"
                         : loadOptions->parsed() ? "vexo load-options --help"
+                        : convert->parsed() ? "vexo convert --help"
                                             : "vexo --help";
     err << "vexo: " << e.what() << " (see " << usage << ")\n";
     return kExitUsage;
@@ -72,6 +84,7 @@ int parseAndRun(int argc, const char* const* argv, std::ostream& out, std::ostre
   }
   if (preview->parsed()) return runPreview(previewRequest, out, err);
   if (loadOptions->parsed()) return runLoadOptions(loadOptionsRequest, out, err);
+  if (convert->parsed()) return runConvert(convertRequest, out, err);
   return runSave(request, out, err);
 }
 

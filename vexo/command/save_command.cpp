@@ -49,6 +49,12 @@ const char* saverName(std::string_view format, std::string_view destination) {
 }
 
 int runSave(const SaveRequest& request, std::ostream& out, std::ostream& err) {
+  return runSaveFrom(
+      request, [&](Scene& scene, std::string& error) { return readSceneFile(request.scenePath, scene, error); }, out,
+      err);
+}
+
+int runSaveFrom(const SaveRequest& request, const SceneSource& source, std::ostream& out, std::ostream& err) {
   HostServices services(&err);
   for (const std::string& setting : request.settings) {
     std::size_t equals = setting.find('=');
@@ -59,7 +65,7 @@ int runSave(const SaveRequest& request, std::ostream& out, std::ostream& err) {
 
   Scene scene;
   std::string error;
-  if (!readSceneFile(request.scenePath, scene, error)) return usageError(err, error);
+  if (!source(scene, error)) return usageError(err, error);
   for (const std::string& ref : request.select) {
     Item* item = findItemByRef(scene, ref, &error);
     if (!item) return usageError(err, "--select " + ref + ": " + error);

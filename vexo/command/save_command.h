@@ -1,12 +1,15 @@
 // `vexo save`: load a scene file and the plug-in, run the verify pass and the real save.
 #pragma once
 
+#include <functional>
 #include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace vexo {
+
+class Scene;
 
 enum ExitCode : int {
   kExitOk = 0,
@@ -31,5 +34,12 @@ const char* saverName(std::string_view format, std::string_view destination);
 // Runs one save. The event log, the command's own errors and hints go to
 // `err`; the files a successful save wrote, with their sizes, to `out`.
 int runSave(const SaveRequest& request, std::ostream& out, std::ostream& err);
+
+// Fills a new scene; false with a one-line `error` when it cannot.
+using SceneSource = std::function<bool(Scene& scene, std::string& error)>;
+
+// runSave with the scene from `source` in place of the request's scene file
+// (whose path is then unused); a scene that cannot be had exits 2.
+int runSaveFrom(const SaveRequest& request, const SceneSource& source, std::ostream& out, std::ostream& err);
 
 }  // namespace vexo
