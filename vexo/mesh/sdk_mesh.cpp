@@ -107,6 +107,26 @@ class WalkPolygon final : public IVxPolygon {
     return VXR_NOTFOUND;
   }
 
+  VxResult MapEvaluateCorners(VxMapID map, float* values, unsigned char* found) const override {
+    if (map == VX_MAP_NONE || map > maps_.size() || !values || !found) return VXR_BADARG;
+    const MapView& v = maps_[std::size_t(map - 1)];
+    const unsigned dimension = v.dimension;
+    const bool everyCorner = v.end - v.begin == size_;
+    for (unsigned slot = 0; slot < size_; ++slot, values += dimension) {
+      const float* value = nullptr;
+      if (everyCorner) {
+        value = v.map->cornerValueAt(v.begin + slot);
+      } else {
+        for (std::size_t i = v.begin; i < v.end && !value; ++i)
+          if (v.ids[i] == first_ + slot) value = v.map->cornerValueAt(i);
+      }
+      if (!value) value = v.map->pointValue(points_[slot]);
+      found[slot] = value != nullptr;
+      if (value) copyValues(value, dimension, values);
+    }
+    return VXR_OK;
+  }
+
  private:
   struct MapView {
     const VertexMap* map = nullptr;
