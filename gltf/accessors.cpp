@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <limits>
 
@@ -35,6 +36,13 @@ void putLittleEndian(unsigned char* out, std::uint32_t value, std::uint32_t widt
   for (std::uint32_t i = 0; i < width; ++i) out[i] = static_cast<unsigned char>(value >> (8 * i));
 }
 #endif
+
+// gltf::toFloat of a value that is a float already, inlined for the big arrays.
+inline float roundedFloat(float v) {
+  constexpr float kMax = std::numeric_limits<float>::max();
+  if (std::isnan(v)) return 0.0f;
+  return v > kMax ? kMax : v < -kMax ? -kMax : v;
+}
 
 }  // namespace
 
@@ -158,19 +166,19 @@ std::uint32_t GltfDocument::addFloatAccessor(GltfAccessorType type, std::vector<
   }
   // Rounding and the bounds in one pass over the values.
   float low[16], high[16];
-  for (std::uint32_t c = 0; c < n; ++c) low[c] = high[c] = values[c] = gltf::toFloat(values[c]);
+  for (std::uint32_t c = 0; c < n; ++c) low[c] = high[c] = values[c] = roundedFloat(values[c]);
   const std::size_t size = values.size();
   float* v = values.data();
   if (bounds) {
     for (std::size_t i = n; i < size; i += n) {
       for (std::uint32_t c = 0; c < n; ++c) {
-        const float rounded = v[i + c] = gltf::toFloat(v[i + c]);
+        const float rounded = v[i + c] = roundedFloat(v[i + c]);
         low[c] = std::min(low[c], rounded);
         high[c] = std::max(high[c], rounded);
       }
     }
   } else {
-    for (std::size_t i = n; i < size; ++i) v[i] = gltf::toFloat(v[i]);
+    for (std::size_t i = n; i < size; ++i) v[i] = roundedFloat(v[i]);
   }
   std::vector<float> min, max;
   if (bounds) {

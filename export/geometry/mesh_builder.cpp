@@ -19,9 +19,7 @@ MeshBuilder::MeshBuilder(const CornerLayout& layout, unsigned pointCount, std::s
       corner_(layout.stride()) {
   // Most meshes have about one vertex per point; growing by doubling costs
   // more than the memory reserved here.
-  vertexNext_.reserve(pointCount);
-  vertexPrimitive_.reserve(pointCount);
-  vertexLocal_.reserve(pointCount);
+  links_.reserve(pointCount);
 }
 
 PrimitiveBuild& MeshBuilder::newPrimitive() {
@@ -89,12 +87,11 @@ bool MeshBuilder::addPolygon(const char* tag, const unsigned* points, unsigned p
 
 std::uint32_t MeshBuilder::vertexFor(std::uint32_t primitive, unsigned point, const double normal[3],
                                      const float* corner) {
-
   // Reuse a vertex of this point in this primitive whose values are all equal.
   PrimitiveBuild& build = primitives_[primitive];
-  for (std::uint32_t v = pointHead_[point]; v != kEnd; v = vertexNext_[v]) {
-    if (vertexPrimitive_[v] != primitive) continue;
-    const std::uint32_t local = vertexLocal_[v];
+  for (std::uint32_t v = pointHead_[point]; v != kEnd; v = links_[v].next) {
+    if (links_[v].primitive != primitive) continue;
+    const std::uint32_t local = links_[v].local;
     const double* n = &build.normals[3 * std::size_t(local)];
     if (n[0] != normal[0] || n[1] != normal[1] || n[2] != normal[2]) continue;
     const float* values = build.values.data() + stride_ * local;
@@ -104,13 +101,20 @@ std::uint32_t MeshBuilder::vertexFor(std::uint32_t primitive, unsigned point, co
   }
 
   const std::uint32_t local = static_cast<std::uint32_t>(build.vertexPoint.size());
+  // Past the vertices reserved, grow by an eighth: a few split vertices
+  // (a seam) should not double every array at the very end.
+  if (build.vertexPoint.size() == build.vertexPoint.capacity()) {
+    const std::size_t vertices = local + local / 8 + 16;
+    build.vertexPoint.reserve(vertices);
+    build.normals.reserve(3 * vertices);
+    build.values.reserve(stride_ * vertices);
+  }
+  if (links_.size() == links_.capacity()) links_.reserve(links_.size() + links_.size() / 8 + 16);
   build.vertexPoint.push_back(point);
-  build.normals.insert(build.normals.end(), normal, normal + 3);
-  build.values.insert(build.values.end(), corner, corner + stride_);
+  for (int k = 0; k < 3; ++k) build.normals.push_back(normal[k]);
+  for (std::size_t k = 0; k < stride_; ++k) build.values.push_back(corner[k]);
 
-  vertexNext_.push_back(pointHead_[point]);
-  vertexPrimitive_.push_back(primitive);
-  vertexLocal_.push_back(local);
-  pointHead_[point] = static_cast<std::uint32_t>(vertexNext_.size() - 1);
+  links_.push_back({pointHead_[point], primitive, local});
+  pointHead_[point] = static_cast<std::uint32_t>(links_.size() - 1);
   return local;
 }

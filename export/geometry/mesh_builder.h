@@ -75,11 +75,14 @@ class MeshBuilder {
   std::vector<PrimitiveBuild> primitives_;
   std::uint32_t lastPrimitive_ = 0;
 
-  // The vertices made for each point, as a linked list through `vertexNext_`.
+  // The vertices made for each point, as a linked list through `links_`.
+  struct VertexLink {
+    std::uint32_t next;       // the point's previous vertex, or none
+    std::uint32_t primitive;  // the primitive the vertex is in
+    std::uint32_t local;      // its index there
+  };
   std::vector<std::uint32_t> pointHead_;
-  std::vector<std::uint32_t> vertexNext_;
-  std::vector<std::uint32_t> vertexPrimitive_;
-  std::vector<std::uint32_t> vertexLocal_;
+  std::vector<VertexLink> links_;
 
   std::vector<float> corner_;  // scratch: the values of the corner being added
   // Scratch per polygon: the vertex each of its points got, and their corner values.

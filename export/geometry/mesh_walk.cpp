@@ -38,7 +38,7 @@ class PolygonFeeder : public CVxPolygonVisitor, public CornerReader {
     // One host call per map for the whole polygon, where the host can.
     std::size_t offset = 0;
     if (maps_.normal != VX_MAP_NONE) {
-      if (!read(polygon, maps_.normal, count, 3)) return CornerReader::readCorners(points, count, normals, values, stride);
+      if (!read(polygon, maps_.normal, count)) return CornerReader::readCorners(points, count, normals, values, stride);
       for (unsigned c = 0; c < count; ++c) {
         if (found_[c]) {
           for (int k = 0; k < 3; ++k) normals[3 * c + k] = scratch_[3 * c + k];
@@ -52,7 +52,7 @@ class PolygonFeeder : public CVxPolygonVisitor, public CornerReader {
 
     for (std::size_t i = 0; i < maps_.colours.size(); ++i, offset += 4) {
       const unsigned dimension = maps_.colourHasAlpha[i] ? 4 : 3;
-      if (!read(polygon, maps_.colours[i], count, dimension))
+      if (!read(polygon, maps_.colours[i], count))
         return CornerReader::readCorners(points, count, normals, values, stride);
       for (unsigned c = 0; c < count; ++c) {
         float* out = values + stride * c + offset;
@@ -66,7 +66,7 @@ class PolygonFeeder : public CVxPolygonVisitor, public CornerReader {
       }
     }
     for (VxMapID uv : maps_.uvs) {
-      if (!read(polygon, uv, count, 2)) return CornerReader::readCorners(points, count, normals, values, stride);
+      if (!read(polygon, uv, count)) return CornerReader::readCorners(points, count, normals, values, stride);
       for (unsigned c = 0; c < count; ++c) {
         float* out = values + stride * c + offset;
         const bool has = found_[c] != 0;
@@ -77,7 +77,7 @@ class PolygonFeeder : public CVxPolygonVisitor, public CornerReader {
       offset += 3;
     }
     for (VxMapID basis : maps_.tangentBases) {
-      if (!read(polygon, basis, count, 6)) return CornerReader::readCorners(points, count, normals, values, stride);
+      if (!read(polygon, basis, count)) return CornerReader::readCorners(points, count, normals, values, stride);
       for (unsigned c = 0; c < count; ++c) {
         float* out = values + stride * c + offset;
         for (int k = 0; k < 6; ++k) out[k] = found_[c] ? scratch_[6 * c + k] : 0.0f;
@@ -115,9 +115,12 @@ class PolygonFeeder : public CVxPolygonVisitor, public CornerReader {
 
  private:
   // The map's values at every corner into scratch_ and found_; false when the host cannot.
-  bool read(const CVxPolygon& polygon, VxMapID map, unsigned count, unsigned dimension) {
-    scratch_.resize(std::size_t(dimension) * count);
-    found_.resize(count);
+  bool read(const CVxPolygon& polygon, VxMapID map, unsigned count) {
+    // Sized for the widest map, so reading the next map never refills them.
+    if (found_.size() < count) {
+      scratch_.resize(6 * std::size_t(count));
+      found_.resize(count);
+    }
     return polygon.mapValues(map, scratch_.data(), found_.data());
   }
 

@@ -58,30 +58,24 @@ std::vector<GltfAttribute> writeVertexAttributes(GltfDocument& document, const C
   const std::size_t stride = layout.stride();
   std::vector<GltfAttribute> attributes;
   // Each attribute is filled once into an array the document then keeps as its block.
-  std::vector<float> data;
-
-  data.reserve(3 * vertices);
-  for (std::size_t v = 0; v < vertices; ++v) {
-    const float* position = &positions[3 * std::size_t(build.vertexPoint[v])];
-    data.insert(data.end(), position, position + 3);
-  }
+  std::vector<float> data(3 * vertices);
+  for (std::size_t v = 0; v < vertices; ++v)
+    std::copy_n(&positions[3 * std::size_t(build.vertexPoint[v])], 3, &data[3 * v]);
   attributes.push_back({"POSITION", document.addFloatAccessor(GltfAccessorType::Vec3, std::move(data), true)});
 
-  data = {};
-  data.reserve(3 * vertices);
+  data = std::vector<float>(3 * vertices);
   for (std::size_t v = 0; v < vertices; ++v) {
     const Vec3 n = unitNormal(&build.normals[3 * v]);
-    data.push_back(float(n.x)), data.push_back(float(n.y)), data.push_back(float(n.z));
+    data[3 * v] = float(n.x), data[3 * v + 1] = float(n.y), data[3 * v + 2] = float(n.z);
   }
   attributes.push_back({"NORMAL", document.addFloatAccessor(GltfAccessorType::Vec3, std::move(data), false)});
 
   // glTF colours lie in 0..1; the host's may be brighter than white or negative.
   for (std::size_t set = 0; set < layout.colours; ++set) {
-    data = {};
-    data.reserve(4 * vertices);
+    data = std::vector<float>(4 * vertices);
     for (std::size_t v = 0; v < vertices; ++v) {
       const float* colour = &build.values[v * stride + layout.colourOffset(set)];
-      for (int c = 0; c < 4; ++c) data.push_back(clampUnit(colour[c]));
+      for (int c = 0; c < 4; ++c) data[4 * v + c] = clampUnit(colour[c]);
     }
     attributes.push_back(
         {"COLOR_" + std::to_string(set), document.addFloatAccessor(GltfAccessorType::Vec4, std::move(data), false)});
@@ -89,12 +83,9 @@ std::vector<GltfAttribute> writeVertexAttributes(GltfDocument& document, const C
 
   // The host's texture space is glTF's: (0, 0) at the image's top left, v running down.
   for (std::size_t set = 0; set < layout.uvs; ++set) {
-    data = {};
-    data.reserve(2 * vertices);
-    for (std::size_t v = 0; v < vertices; ++v) {
-      const float* uv = &build.values[v * stride + layout.uvOffset(set)];
-      data.push_back(uv[0]), data.push_back(uv[1]);
-    }
+    data = std::vector<float>(2 * vertices);
+    for (std::size_t v = 0; v < vertices; ++v)
+      std::copy_n(&build.values[v * stride + layout.uvOffset(set)], 2, &data[2 * v]);
     attributes.push_back(
         {"TEXCOORD_" + std::to_string(set), document.addFloatAccessor(GltfAccessorType::Vec2, std::move(data), false)});
   }
@@ -102,8 +93,7 @@ std::vector<GltfAttribute> writeVertexAttributes(GltfDocument& document, const C
   // glTF has one tangent set: the first basis map gives it. The tangent is
   // made unit and square to the normal; w tells the bitangent's side.
   if (layout.tangentBases != 0) {
-    data = {};
-    data.reserve(4 * vertices);
+    data = std::vector<float>(4 * vertices);
     for (std::size_t v = 0; v < vertices; ++v) {
       const float* basis = &build.values[v * stride + layout.tangentOffset(0)];
       const Vec3 n = unitNormal(&build.normals[3 * v]);
@@ -112,8 +102,8 @@ std::vector<GltfAttribute> writeVertexAttributes(GltfDocument& document, const C
       tangent = minus(tangent, scaled(n, dot(n, tangent)));
       if (!normalise(tangent)) tangent = perpendicular(n);
       const float w = dot(cross(n, tangent), bitangent) < 0.0 ? -1.0f : 1.0f;
-      data.push_back(float(tangent.x)), data.push_back(float(tangent.y)), data.push_back(float(tangent.z));
-      data.push_back(w);
+      data[4 * v] = float(tangent.x), data[4 * v + 1] = float(tangent.y), data[4 * v + 2] = float(tangent.z);
+      data[4 * v + 3] = w;
     }
     attributes.push_back({"TANGENT", document.addFloatAccessor(GltfAccessorType::Vec4, std::move(data), false)});
   }
