@@ -344,6 +344,8 @@ int run(int argc, char** argv) {
   unsigned runs = 1;
   app.add_option("--runs", runs, "exports per size, each against the peer's when it is built in; medians shown")
       ->capture_default_str();
+  bool noPeer = false;
+  app.add_flag("--no-peer", noPeer, "leave out the peer's export");
   CLI11_PARSE(app, argc, argv);
 
   std::size_t fileLimit = 0;
@@ -405,6 +407,7 @@ int run(int argc, char** argv) {
       if (r.problem[0]) break;
       ours.push_back(r.saveMs);
 #ifdef GLTFIO_BENCH_ASSIMP
+      if (noPeer) continue;
       long peerPeak = 0;
       const PeerReport p = inChild<PeerReport>([&](PeerReport& out) { peerExportGrid(size, folder, out); }, peerPeak);
       if (p.problem[0]) {

@@ -111,8 +111,8 @@ std::uint32_t MeshBuilder::vertexFor(std::uint32_t primitive, unsigned point, co
   }
   if (links_.size() == links_.capacity()) links_.reserve(links_.size() + links_.size() / 8 + 16);
   build.vertexPoint.push_back(point);
-  for (int k = 0; k < 3; ++k) build.normals.push_back(normal[k]);
-  for (std::size_t k = 0; k < stride_; ++k) build.values.push_back(corner[k]);
+  build.normals.insert(build.normals.end(), normal, normal + 3);
+  build.values.insert(build.values.end(), corner, corner + stride_);
 
   links_.push_back({pointHead_[point], primitive, local});
   pointHead_[point] = static_cast<std::uint32_t>(links_.size() - 1);
