@@ -24,6 +24,14 @@
 #include <string>
 #include <vector>
 
+#ifdef GLTFIO_BENCH_ASSIMP
+#include <assimp/Exporter.hpp>
+#include <assimp/scene.h>
+
+#include <unordered_map>
+#endif
+#include <algorithm>
+
 #include "engine/scene.h"
 #include "grid_mesh.h"
 #include "loader/plugin_loader.h"
@@ -50,6 +58,16 @@ struct ExportReport {
   std::uint64_t outputBytes = 0, vertices = 0, indices = 0;
   unsigned indexComponentType = 0;
   unsigned warnings = 0, errors = 0;
+  // What the save added to the process: growth of the peak resident size
+  // (the host scene was built before) and the minor page faults it took.
+  long saveAddedKiB = 0, saveFaults = 0;
+};
+
+// The peer's glb export of the same mesh, the scene already in memory.
+struct PeerReport {
+  char problem[512] = {};
+  double saveMs = 0;
+  std::uint64_t outputBytes = 0, vertices = 0;
 };
 
 struct FileReport {
@@ -144,12 +162,17 @@ void exportGrid(const GridSize& size, const fs::path& folder, ExportReport& repo
 
   const fs::path destination = glbPath(folder, size);
   vexo::SaveTarget verify(sdkScene, false), real(sdkScene, true);
+  rusage before{}, after{};
+  getrusage(RUSAGE_SELF, &before);
   VxResult result = saver->Save(&verify, destination.c_str());
   if (VxOk(result)) {
     start = Clock::now();
     result = saver->Save(&real, destination.c_str());
     report.saveMs = msSince(start);
   }
+  getrusage(RUSAGE_SELF, &after);
+  report.saveAddedKiB = after.ru_maxrss - before.ru_maxrss;
+  report.saveFaults = after.ru_minflt - before.ru_minflt;
   saver->Release();
 
   for (const vexo::LogRecord& record : services.log.records()) {
@@ -161,6 +184,108 @@ void exportGrid(const GridSize& size, const fs::path& folder, ExportReport& repo
   std::error_code ec;
   report.outputBytes = fs::file_size(destination, ec);
   if (!inspectGlb(destination, report)) setProblem(report, "cannot read back " + destination.string());
+}
+
+#ifdef GLTFIO_BENCH_ASSIMP
+// The grid as the peer's scene: one vertex per point with the point's map
+// values, plus one per point whose corners carry their own values (the seam),
+// which is what the plug-in's export makes of it too.
+aiScene* peerScene(const vexo::MeshData& mesh) {
+  const auto pointCount = std::uint32_t(mesh.pointCount());
+  std::vector<std::uint32_t> vertexPoint(pointCount);
+  for (std::uint32_t p = 0; p < pointCount; ++p) vertexPoint[p] = p;
+  std::vector<std::uint32_t> vertexCorner(pointCount, ~0u);
+  std::unordered_map<std::uint32_t, std::uint32_t> split;  // point -> its corner vertex
+  std::vector<std::uint32_t> faces;
+  faces.reserve(3 * mesh.triangleCount());
+  const vexo::MeshGeometry& geometry = mesh.geometry();
+  for (std::uint32_t polygon = 0; polygon < mesh.polygonCount(); ++polygon) {
+    const std::uint32_t* t = geometry.triangles.data() + 3 * std::size_t(mesh.firstTriangle(polygon));
+    for (std::size_t i = 0; i < 3 * std::size_t(mesh.polygonSize(polygon) - 2); ++i) {
+      const std::uint32_t point = t[i];
+      const std::uint32_t corner = mesh.corner(polygon, point);
+      bool own = false;
+      for (std::size_t m = 0; m < mesh.mapCount() && !own; ++m) own = mesh.map(m).cornerValue(corner) != nullptr;
+      std::uint32_t vertex = point;
+      if (own) {
+        auto [at, made] = split.try_emplace(point, std::uint32_t(vertexPoint.size()));
+        if (made) vertexPoint.push_back(point), vertexCorner.push_back(corner);
+        vertex = at->second;
+      }
+      faces.push_back(vertex);
+    }
+  }
+
+  const auto vertices = unsigned(vertexPoint.size());
+  auto* out = new aiMesh;
+  out->mPrimitiveTypes = aiPrimitiveType_TRIANGLE;
+  out->mNumVertices = vertices;
+  out->mVertices = new aiVector3D[vertices];
+  out->mNormals = new aiVector3D[vertices];
+  out->mTextureCoords[0] = new aiVector3D[vertices];
+  out->mTextureCoords[1] = new aiVector3D[vertices];
+  out->mNumUVComponents[0] = out->mNumUVComponents[1] = 2;
+  out->mColors[0] = new aiColor4D[vertices];
+  const vexo::VertexMap& normal = mesh.map(mesh.findMap(VX_VMAP_NORMAL, "normal"));
+  const vexo::VertexMap& uv0 = mesh.map(mesh.findMap(VX_VMAP_TEXTUREUV, "uv0"));
+  const vexo::VertexMap& uv1 = mesh.map(mesh.findMap(VX_VMAP_TEXTUREUV, "uv1"));
+  const vexo::VertexMap& colour = mesh.map(mesh.findMap(VX_VMAP_RGBA, "colour"));
+  auto value = [&](const vexo::VertexMap& map, unsigned v) {
+    const float* own = vertexCorner[v] != ~0u ? map.cornerValue(vertexCorner[v]) : nullptr;
+    return own ? own : map.pointValue(vertexPoint[v]);
+  };
+  for (unsigned v = 0; v < vertices; ++v) {
+    const vexo::Vec3& p = mesh.point(vertexPoint[v]);
+    out->mVertices[v] = aiVector3D(float(p.x), float(p.y), float(p.z));
+    const float* n = value(normal, v);
+    out->mNormals[v] = aiVector3D(n[0], n[1], n[2]);
+    const float* a = value(uv0, v);
+    const float* b = value(uv1, v);
+    out->mTextureCoords[0][v] = aiVector3D(a[0], a[1], 0);
+    out->mTextureCoords[1][v] = aiVector3D(b[0], b[1], 0);
+    const float* c = value(colour, v);
+    out->mColors[0][v] = aiColor4D(c[0], c[1], c[2], c[3]);
+  }
+  out->mNumFaces = unsigned(faces.size() / 3);
+  out->mFaces = new aiFace[out->mNumFaces];
+  for (unsigned f = 0; f < out->mNumFaces; ++f) {
+    out->mFaces[f].mNumIndices = 3;
+    out->mFaces[f].mIndices = new unsigned[3]{faces[3 * f], faces[3 * f + 1], faces[3 * f + 2]};
+  }
+
+  auto* scene = new aiScene;
+  scene->mNumMeshes = 1;
+  scene->mMeshes = new aiMesh*[1]{out};
+  scene->mNumMaterials = 1;
+  scene->mMaterials = new aiMaterial*[1]{new aiMaterial};
+  scene->mRootNode = new aiNode("Grid");
+  scene->mRootNode->mNumMeshes = 1;
+  scene->mRootNode->mMeshes = new unsigned[1]{0};
+  return scene;
+}
+
+void peerExportGrid(const GridSize& size, const fs::path& folder, PeerReport& report) {
+  vexo::MeshData mesh;
+  fillGrid(mesh, size);
+  std::unique_ptr<aiScene> scene(peerScene(mesh));
+  report.vertices = scene->mMeshes[0]->mNumVertices;
+  const fs::path destination = folder / ("peer-" + std::to_string(size.triangles()) + ".glb");
+  Assimp::Exporter exporter;
+  const Clock::time_point start = Clock::now();
+  const aiReturn result = exporter.Export(scene.get(), "glb2", destination.string());
+  report.saveMs = msSince(start);
+  if (result != aiReturn_SUCCESS) return setProblem(report, std::string("the peer's export failed: ") + exporter.GetErrorString());
+  std::error_code ec;
+  report.outputBytes = fs::file_size(destination, ec);
+  fs::remove(destination, ec);
+}
+#endif
+
+double median(std::vector<double> values) {
+  if (values.empty()) return 0;
+  std::sort(values.begin(), values.end());
+  const std::size_t half = values.size() / 2;
+  return values.size() % 2 ? values[half] : (values[half - 1] + values[half]) / 2;
 }
 
 void writeGridFile(const GridSize& size, const fs::path& path, FileReport& report) {
@@ -216,6 +341,11 @@ int run(int argc, char** argv) {
       ->capture_default_str();
   std::string keep;
   app.add_option("--keep", keep, "write the .glb and scene files into this folder and keep them");
+  unsigned runs = 1;
+  app.add_option("--runs", runs, "exports per size, each against the peer's when it is built in; medians shown")
+      ->capture_default_str();
+  bool noPeer = false;
+  app.add_flag("--no-peer", noPeer, "leave out the peer's export");
   CLI11_PARSE(app, argc, argv);
 
   std::size_t fileLimit = 0;
@@ -248,10 +378,17 @@ int run(int argc, char** argv) {
       "and an \"RGBA\" map. Export: plug-in %s, saver \"gltf.bin\", indicesExport=1, exportType=0.\n"
       "scene load = the scene built in memory through the host engine (points, polygons, maps);\n"
       "host caches = the host's triangulation and corner normals; export = the real Save call.\n"
-      "Each size runs in a child process: peak = its ru_maxrss (host scene + plug-in).\n\n",
-      vexo::pluginPath("").c_str());
-  std::printf("%11s %10s %12s %12s %11s %9s %10s %12s %10s %7s\n", "triangles", "points", "scene load", "host caches",
-              "export", "Mtri/s", "vertices", "output", "peak", "indices");
+      "Each size runs in a child process: peak = its ru_maxrss (host scene + plug-in); save adds = how much the\n"
+      "save raised that peak over the scene's, faults = the minor page faults the save took.\n%s\n",
+      vexo::pluginPath("").c_str(),
+#ifdef GLTFIO_BENCH_ASSIMP
+      "The peer's glb export (\"glb2\") of the same mesh, built in memory, runs after each export.\n"
+#else
+      "The peer library was not found when this was built: no comparison with it.\n"
+#endif
+  );
+  std::printf("%11s %10s %12s %12s %11s %9s %10s %12s %10s %7s %12s %9s\n", "triangles", "points", "scene load",
+              "host caches", "export", "Mtri/s", "vertices", "output", "peak", "indices", "save adds", "faults");
   int failures = 0;
   struct FileRow {
     std::size_t triangles;
@@ -262,17 +399,43 @@ int run(int argc, char** argv) {
   for (std::size_t count : counts) {
     const GridSize size = gridFor(count);
     long peak = 0;
-    const ExportReport r = inChild<ExportReport>([&](ExportReport& out) { exportGrid(size, folder, out); }, peak);
+    // Runs alternate between the plug-in and the peer, so both see the same load.
+    std::vector<double> ours, theirs, ratios;
+    ExportReport r;
+    for (unsigned run = 0; run < std::max(runs, 1u); ++run) {
+      r = inChild<ExportReport>([&](ExportReport& out) { exportGrid(size, folder, out); }, peak);
+      if (r.problem[0]) break;
+      ours.push_back(r.saveMs);
+#ifdef GLTFIO_BENCH_ASSIMP
+      if (noPeer) continue;
+      long peerPeak = 0;
+      const PeerReport p = inChild<PeerReport>([&](PeerReport& out) { peerExportGrid(size, folder, out); }, peerPeak);
+      if (p.problem[0]) {
+        std::printf("%11zu  peer failed: %s\n", size.triangles(), p.problem);
+        continue;
+      }
+      theirs.push_back(p.saveMs);
+      ratios.push_back(p.saveMs / r.saveMs);
+#endif
+    }
+    if (!r.problem[0]) r.saveMs = median(ours);
     if (r.problem[0]) {
       std::printf("%11zu  failed: %s\n", size.triangles(), r.problem);
       ++failures;
     } else {
       const bool wide = r.indexComponentType == 5125;
-      std::printf("%11llu %10llu %9.1f ms %9.1f ms %8.1f ms %9.2f %10llu %12s %10s %7s\n",
+      std::printf("%11llu %10llu %9.1f ms %9.1f ms %8.1f ms %9.2f %10llu %12s %10s %7s %12s %9ld\n",
                   (unsigned long long)r.triangles, (unsigned long long)r.points, r.buildMs, r.cachesMs, r.saveMs,
                   r.triangles / r.saveMs / 1000.0, (unsigned long long)r.vertices,
                   megabytes(double(r.outputBytes)).c_str(), megabytes(peak * 1024.0).c_str(),
-                  wide ? "32-bit" : r.indexComponentType == 5123 ? "16-bit" : "?");
+                  wide ? "32-bit" : r.indexComponentType == 5123 ? "16-bit" : "?",
+                  megabytes(r.saveAddedKiB * 1024.0).c_str(), r.saveFaults);
+      if (!theirs.empty()) {
+        std::printf("%11s  peer's glb export: median %.1f ms over %zu runs; ours %.1f ms; paired ratio median %.2fx "
+                    "(%.2fx to %.2fx)\n",
+                    "", median(theirs), theirs.size(), median(ours), median(ratios),
+                    *std::min_element(ratios.begin(), ratios.end()), *std::max_element(ratios.begin(), ratios.end()));
+      }
       if (r.indices != 3 * r.triangles || !wide || r.warnings) {
         std::printf("%11s  unexpected: %llu indices, %u warnings\n", "", (unsigned long long)r.indices, r.warnings);
         ++failures;

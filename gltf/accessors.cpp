@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <limits>
 
@@ -35,6 +36,13 @@ void putLittleEndian(unsigned char* out, std::uint32_t value, std::uint32_t widt
   for (std::uint32_t i = 0; i < width; ++i) out[i] = static_cast<unsigned char>(value >> (8 * i));
 }
 #endif
+
+// gltf::toFloat of a value that is a float already, inlined for the big arrays.
+inline float roundedFloat(float v) {
+  constexpr float kMax = std::numeric_limits<float>::max();
+  if (std::isnan(v)) return 0.0f;
+  return v > kMax ? kMax : v < -kMax ? -kMax : v;
+}
 
 }  // namespace
 
@@ -122,30 +130,72 @@ std::uint32_t GltfDocument::Impl::addPayload(GltfBlockKind kind, const void* val
   return doc.addAccessor(view, type, componentType, valueCount / components, 0, min, max);
 }
 
-std::uint32_t GltfDocument::addFloatAccessor(GltfAccessorType type, const std::vector<float>& values, bool bounds) {
+template <typename T>
+std::uint32_t GltfDocument::Impl::keepPayload(GltfBlockKind kind, std::vector<T>&& values, GltfAccessorType type,
+                                              std::uint32_t componentType, const std::vector<float>& min,
+                                              const std::vector<float>& max) {
+  const auto valueCount = static_cast<std::uint32_t>(values.size());
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+  // The same checks and steps as addPayload, without copying the values.
+  static_assert(sizeof(T) == 4, "4-byte values only");
+  GltfDocument& doc = *owner;
+  const std::uint32_t components = componentsOf(type);
+  if (components == 0 || valueCount == 0 || valueCount % components != 0 || widthOf(kind) != sizeof(T)) return kNone;
+  const std::uint64_t dataLength = std::uint64_t{valueCount} * sizeof(T);
+  const std::uint64_t byteLength = (dataLength + 3) & ~std::uint64_t{3};
+  if (byteLength > std::numeric_limits<std::uint32_t>::max()) return kNone;
+  gltf::Block block;
+  block.kind = kind;
+  block.valueCount = valueCount;
+  block.byteLength = static_cast<std::uint32_t>(byteLength);
+  block.padding = static_cast<std::uint32_t>(byteLength - dataLength);
+  block.keep(std::move(values));
+  blocks.push_back(std::move(block));
+  const std::uint32_t offset = doc.growBuffer(static_cast<std::uint32_t>(byteLength));
+  const std::uint32_t view = doc.addBufferView(0, static_cast<std::uint32_t>(byteLength), offset, 0, 0);
+  return doc.addAccessor(view, type, componentType, valueCount / components, 0, min, max);
+#else
+  return addPayload(kind, values.data(), valueCount, type, componentType, min, max);
+#endif
+}
+
+std::uint32_t GltfDocument::addFloatAccessor(GltfAccessorType type, std::vector<float>&& values, bool bounds) {
   const std::uint32_t n = componentsOf(type);
   if (n == 0 || values.empty() || values.size() % n != 0 || values.size() > std::numeric_limits<std::uint32_t>::max() / 4) {
     return kNone;
   }
-  std::vector<float> rounded(values.size());
-  std::transform(values.begin(), values.end(), rounded.begin(), [](float v) { return gltf::toFloat(v); });
+  // Rounding and the bounds in one pass over the values.
+  float low[16], high[16];
+  for (std::uint32_t c = 0; c < n; ++c) low[c] = high[c] = values[c] = roundedFloat(values[c]);
+  const std::size_t size = values.size();
+  float* v = values.data();
+  if (bounds) {
+    for (std::size_t i = n; i < size; i += n) {
+      for (std::uint32_t c = 0; c < n; ++c) {
+        const float rounded = v[i + c] = roundedFloat(v[i + c]);
+        low[c] = std::min(low[c], rounded);
+        high[c] = std::max(high[c], rounded);
+      }
+    }
+  } else {
+    for (std::size_t i = n; i < size; ++i) v[i] = roundedFloat(v[i]);
+  }
   std::vector<float> min, max;
   if (bounds) {
-    min.assign(rounded.begin(), rounded.begin() + n);
-    max = min;
-    for (std::size_t i = n; i < rounded.size(); ++i) {
-      min[i % n] = std::min(min[i % n], rounded[i]);
-      max[i % n] = std::max(max[i % n], rounded[i]);
-    }
+    min.assign(low, low + n);
+    max.assign(high, high + n);
   }
-  return impl_->addPayload(GltfBlockKind::Float32, rounded.data(), static_cast<std::uint32_t>(rounded.size()), type,
-                           kFloat, min, max);
+  return impl_->keepPayload(GltfBlockKind::Float32, std::move(values), type, kFloat, min, max);
+}
+
+std::uint32_t GltfDocument::addFloatAccessor(GltfAccessorType type, const std::vector<float>& values, bool bounds) {
+  return addFloatAccessor(type, std::vector<float>(values), bounds);
 }
 
 std::uint32_t GltfDocument::addFloatAccessor(GltfAccessorType type, const std::vector<double>& values, bool bounds) {
   std::vector<float> rounded(values.size());
   std::transform(values.begin(), values.end(), rounded.begin(), gltf::toFloat);
-  return addFloatAccessor(type, rounded, bounds);
+  return addFloatAccessor(type, std::move(rounded), bounds);
 }
 
 std::uint32_t GltfDocument::addUShortAccessor(GltfAccessorType type, const std::vector<std::uint16_t>& values) {
@@ -157,13 +207,16 @@ std::uint32_t GltfDocument::addUShortAccessor(GltfAccessorType type, const std::
                            kUnsignedShort, {}, {});
 }
 
+std::uint32_t GltfDocument::addIndexAccessor(std::vector<std::uint32_t>&& indices) {
+  if (impl_->settings.indices32 == 0) return addIndexAccessor(static_cast<const std::vector<std::uint32_t>&>(indices));
+  if (indices.empty() || indices.size() > std::numeric_limits<std::uint32_t>::max() / 4) return kNone;
+  return impl_->keepPayload(GltfBlockKind::UInt32, std::move(indices), GltfAccessorType::Scalar, kUnsignedInt, {}, {});
+}
+
 std::uint32_t GltfDocument::addIndexAccessor(const std::vector<std::uint32_t>& indices) {
   if (indices.empty() || indices.size() > std::numeric_limits<std::uint32_t>::max() / 4) return kNone;
   const auto count = static_cast<std::uint32_t>(indices.size());
-  if (impl_->settings.indices32 != 0) {
-    return impl_->addPayload(GltfBlockKind::UInt32, indices.data(), count, GltfAccessorType::Scalar, kUnsignedInt, {},
-                             {});
-  }
+  if (impl_->settings.indices32 != 0) return addIndexAccessor(std::vector<std::uint32_t>(indices));
   std::vector<std::uint16_t> narrow(indices.size());
   for (std::size_t i = 0; i < indices.size(); ++i) {
     if (indices[i] > 0xffffu) return kNone;

@@ -55,7 +55,7 @@ bool writeBlocks(const std::vector<Block>& blocks, StagedFile& out, StagedFiles&
   for (const Block& block : blocks) {
     const bool written = block.kind == GltfBlockKind::Image
                              ? pipe(block.imagePath, block.byteLength - block.padding, false, out, files)
-                             : out.write(block.bytes.data(), block.bytes.size());
+                             : out.write(block.data(), block.size());
     if (!written || !out.writeZeros(block.padding)) return false;
   }
   return true;

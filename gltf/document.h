@@ -164,6 +164,9 @@ class GltfDocument {
   // the per-component extremes of the values (as for POSITION and key times).
   // kNone when `values` is empty or not a whole number of elements.
   std::uint32_t addFloatAccessor(GltfAccessorType type, const std::vector<float>& values, bool bounds);
+  // Same, taking the values over: rounded in place, they become the buffer's
+  // block without another copy.
+  std::uint32_t addFloatAccessor(GltfAccessorType type, std::vector<float>&& values, bool bounds);
   // Same, from doubles rounded to float.
   std::uint32_t addFloatAccessor(GltfAccessorType type, const std::vector<double>& values, bool bounds);
   // An unsigned-short accessor (5123), e.g. for JOINTS_n. kNone as above.
@@ -172,6 +175,8 @@ class GltfDocument {
   // set, else unsigned short (5123). kNone when `indices` is empty or, in 16-bit
   // mode, when an index does not fit 16 bits.
   std::uint32_t addIndexAccessor(const std::vector<std::uint32_t>& indices);
+  // Same, taking the indices over (kept as the block in 32-bit mode).
+  std::uint32_t addIndexAccessor(std::vector<std::uint32_t>&& indices);
 
   std::uint32_t bufferByteLength() const;
   std::uint32_t accessorCount() const;

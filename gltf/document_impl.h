@@ -37,6 +37,23 @@ struct Block {
   std::uint32_t padding = 0;
   std::vector<unsigned char> bytes;  // little-endian values; empty for an image
   std::string imagePath;             // image blocks: the file whose bytes are written
+  // On little-endian machines a block may keep the values it was given
+  // instead of a copy of their bytes: then one of these holds them.
+  std::vector<float> floats;
+  std::vector<std::uint32_t> words;
+
+  const unsigned char* data() const {
+    if (!floats.empty()) return reinterpret_cast<const unsigned char*>(floats.data());
+    if (!words.empty()) return reinterpret_cast<const unsigned char*>(words.data());
+    return bytes.data();
+  }
+  std::size_t size() const {
+    if (!floats.empty()) return floats.size() * sizeof(float);
+    if (!words.empty()) return words.size() * sizeof(std::uint32_t);
+    return bytes.size();
+  }
+  void keep(std::vector<float>&& values) { floats = std::move(values); }
+  void keep(std::vector<std::uint32_t>&& values) { words = std::move(values); }
 };
 
 struct ImageFile {
@@ -84,6 +101,11 @@ struct GltfDocument::Impl {
   std::uint32_t addPayload(GltfBlockKind kind, const void* values, std::uint32_t valueCount, GltfAccessorType type,
                            std::uint32_t componentType, const std::vector<float>& min,
                            const std::vector<float>& max);
+
+  // The same, keeping `values` as the block instead of copying them.
+  template <typename T>
+  std::uint32_t keepPayload(GltfBlockKind kind, std::vector<T>&& values, GltfAccessorType type,
+                            std::uint32_t componentType, const std::vector<float>& min, const std::vector<float>& max);
 
   void finishAnimation(gltf::Animation& animation);
   void finishSkin(gltf::Skin& skin);

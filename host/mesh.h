@@ -33,6 +33,11 @@ class CVxPolygon {
   bool mapValue(VxMapID map, unsigned point, float* values) const {
     return VxOk(polygon_.MapEvaluate(map, point, values));
   }
+  // The map's value at each of the polygon's corners, in vertex order, and
+  // per corner whether it has one; false when the host cannot answer so.
+  bool mapValues(VxMapID map, float* values, unsigned char* found) const {
+    return VxOk(polygon_.MapEvaluateCorners(map, values, found));
+  }
   // The host's smoothed normal at one of the polygon's points.
   bool cornerNormal(unsigned point, double normal[3]) const { return VxOk(polygon_.CornerNormal(point, normal)); }
 

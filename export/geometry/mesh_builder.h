@@ -27,6 +27,9 @@ class CornerReader {
   virtual ~CornerReader() = default;
   // `values` has room for the layout's stride.
   virtual void readCorner(unsigned point, double normal[3], float* values) = 0;
+  // The same for each of the polygon's `count` points at once: 3 normal
+  // values and a stride of values per point, in the points' order.
+  virtual void readCorners(const unsigned* points, unsigned count, double* normals, float* values, std::size_t stride);
 };
 
 struct PrimitiveBuild {
@@ -51,13 +54,19 @@ class MeshBuilder {
                   unsigned triangleCount, CornerReader& reader);
 
   const std::vector<PrimitiveBuild>& primitives() const { return primitives_; }
+  // Hands the primitives over, leaving none.
+  std::vector<PrimitiveBuild> takePrimitives() {
+    std::vector<PrimitiveBuild> taken;
+    taken.swap(primitives_);
+    return taken;
+  }
   const CornerLayout& layout() const { return layout_; }
 
  private:
   std::uint32_t primitiveFor(const char* tag);
   PrimitiveBuild& newPrimitive();
-  // The primitive's vertex for the point as the reader sees it, made when new.
-  std::uint32_t vertexFor(CornerReader& reader, std::uint32_t primitive, unsigned point);
+  // The primitive's vertex for the point with these corner values, made when new.
+  std::uint32_t vertexFor(std::uint32_t primitive, unsigned point, const double normal[3], const float* values);
 
   const CornerLayout layout_;
   const std::size_t stride_;
@@ -66,13 +75,18 @@ class MeshBuilder {
   std::vector<PrimitiveBuild> primitives_;
   std::uint32_t lastPrimitive_ = 0;
 
-  // The vertices made for each point, as a linked list through `vertexNext_`.
+  // The vertices made for each point, as a linked list through `links_`.
+  struct VertexLink {
+    std::uint32_t next;       // the point's previous vertex, or none
+    std::uint32_t primitive;  // the primitive the vertex is in
+    std::uint32_t local;      // its index there
+  };
   std::vector<std::uint32_t> pointHead_;
-  std::vector<std::uint32_t> vertexNext_;
-  std::vector<std::uint32_t> vertexPrimitive_;
-  std::vector<std::uint32_t> vertexLocal_;
+  std::vector<VertexLink> links_;
 
   std::vector<float> corner_;  // scratch: the values of the corner being added
-  // Scratch per polygon: the vertex each of its points got.
+  // Scratch per polygon: the vertex each of its points got, and their corner values.
   std::vector<std::uint32_t> slotVertices_;
+  std::vector<double> slotNormals_;
+  std::vector<float> slotValues_;
 };

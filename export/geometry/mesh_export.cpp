@@ -56,15 +56,19 @@ std::uint32_t MeshExporter::exportMesh(const CVxUser_Item& item) {
   const std::vector<float> positions = readPositions(mesh);
   const std::vector<std::string>& uvMaps = uvMaps_[gltfMesh] = maps.uvNames;
   std::vector<std::vector<std::uint32_t>>& vertexPoints = vertexPoints_[gltfMesh];
-  for (const PrimitiveBuild& build : builder.primitives()) {
-    vertexPoints.push_back(build.vertexPoint);
+  // Each primitive's arrays go to the document (indices) or are let go as soon as written.
+  for (PrimitiveBuild& build : builder.takePrimitives()) {
     GltfPrimitiveDesc primitive;
     primitive.attributes = writeVertexAttributes(document, builder.layout(), build, positions);
-    primitive.indices = document.addIndexAccessor(build.indices);
+    build.normals = {};
+    build.values = {};
+    const std::size_t indexCount = build.indices.size();
+    primitive.indices = document.addIndexAccessor(std::move(build.indices));
+    vertexPoints.push_back(std::move(build.vertexPoint));
     const std::uint32_t index = document.addPrimitive(gltfMesh, primitive);
     if (options.materials != 0) {
       primitiveTags_.push_back({gltfMesh, index, build.tag, name, &uvMaps});
-      log.info("   material:%s polyInds:%lu", build.tag.c_str(), static_cast<unsigned long>(build.indices.size()));
+      log.info("   material:%s polyInds:%lu", build.tag.c_str(), static_cast<unsigned long>(indexCount));
     }
   }
 

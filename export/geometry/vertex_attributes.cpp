@@ -57,46 +57,46 @@ std::vector<GltfAttribute> writeVertexAttributes(GltfDocument& document, const C
   const std::size_t vertices = build.vertexPoint.size();
   const std::size_t stride = layout.stride();
   std::vector<GltfAttribute> attributes;
-  std::vector<float> data;
-
-  data.resize(3 * vertices);
+  // Each attribute is filled once into an array the document then keeps as its block.
+  std::vector<float> data(3 * vertices);
   for (std::size_t v = 0; v < vertices; ++v)
     std::copy_n(&positions[3 * std::size_t(build.vertexPoint[v])], 3, &data[3 * v]);
-  attributes.push_back({"POSITION", document.addFloatAccessor(GltfAccessorType::Vec3, data, true)});
+  attributes.push_back({"POSITION", document.addFloatAccessor(GltfAccessorType::Vec3, std::move(data), true)});
 
-  std::vector<Vec3> normals(vertices);
+  data = std::vector<float>(3 * vertices);
   for (std::size_t v = 0; v < vertices; ++v) {
-    normals[v] = unitNormal(&build.normals[3 * v]);
-    data[3 * v] = float(normals[v].x), data[3 * v + 1] = float(normals[v].y), data[3 * v + 2] = float(normals[v].z);
+    const Vec3 n = unitNormal(&build.normals[3 * v]);
+    data[3 * v] = float(n.x), data[3 * v + 1] = float(n.y), data[3 * v + 2] = float(n.z);
   }
-  attributes.push_back({"NORMAL", document.addFloatAccessor(GltfAccessorType::Vec3, data, false)});
+  attributes.push_back({"NORMAL", document.addFloatAccessor(GltfAccessorType::Vec3, std::move(data), false)});
 
   // glTF colours lie in 0..1; the host's may be brighter than white or negative.
-  data.resize(4 * vertices);
   for (std::size_t set = 0; set < layout.colours; ++set) {
+    data = std::vector<float>(4 * vertices);
     for (std::size_t v = 0; v < vertices; ++v) {
       const float* colour = &build.values[v * stride + layout.colourOffset(set)];
       for (int c = 0; c < 4; ++c) data[4 * v + c] = clampUnit(colour[c]);
     }
-    attributes.push_back({"COLOR_" + std::to_string(set), document.addFloatAccessor(GltfAccessorType::Vec4, data, false)});
+    attributes.push_back(
+        {"COLOR_" + std::to_string(set), document.addFloatAccessor(GltfAccessorType::Vec4, std::move(data), false)});
   }
 
   // The host's texture space is glTF's: (0, 0) at the image's top left, v running down.
-  data.resize(2 * vertices);
   for (std::size_t set = 0; set < layout.uvs; ++set) {
+    data = std::vector<float>(2 * vertices);
     for (std::size_t v = 0; v < vertices; ++v)
       std::copy_n(&build.values[v * stride + layout.uvOffset(set)], 2, &data[2 * v]);
     attributes.push_back(
-        {"TEXCOORD_" + std::to_string(set), document.addFloatAccessor(GltfAccessorType::Vec2, data, false)});
+        {"TEXCOORD_" + std::to_string(set), document.addFloatAccessor(GltfAccessorType::Vec2, std::move(data), false)});
   }
 
   // glTF has one tangent set: the first basis map gives it. The tangent is
   // made unit and square to the normal; w tells the bitangent's side.
   if (layout.tangentBases != 0) {
-    data.resize(4 * vertices);
+    data = std::vector<float>(4 * vertices);
     for (std::size_t v = 0; v < vertices; ++v) {
       const float* basis = &build.values[v * stride + layout.tangentOffset(0)];
-      const Vec3& n = normals[v];
+      const Vec3 n = unitNormal(&build.normals[3 * v]);
       const Vec3 bitangent{basis[3], basis[4], basis[5]};
       Vec3 tangent{basis[0], basis[1], basis[2]};
       tangent = minus(tangent, scaled(n, dot(n, tangent)));
@@ -105,7 +105,7 @@ std::vector<GltfAttribute> writeVertexAttributes(GltfDocument& document, const C
       data[4 * v] = float(tangent.x), data[4 * v + 1] = float(tangent.y), data[4 * v + 2] = float(tangent.z);
       data[4 * v + 3] = w;
     }
-    attributes.push_back({"TANGENT", document.addFloatAccessor(GltfAccessorType::Vec4, data, false)});
+    attributes.push_back({"TANGENT", document.addFloatAccessor(GltfAccessorType::Vec4, std::move(data), false)});
   }
   return attributes;
 }

@@ -48,6 +48,16 @@ class IVxPolygon {
   // A map's value at one of the polygon's points: the corner's own value when
   // the map has one, else the point's value. VXR_NOTFOUND when it has neither.
   virtual VxResult MapEvaluate(VxMapID map, unsigned point, float* values) const = 0;
+  // A map's value at every corner of the polygon at once, in vertex order:
+  // the map's dimension of floats per corner into `values`, and per corner
+  // 1 into `found` when the corner or its point has a value (its floats are
+  // then set), else 0. Hosts without it say VXR_NOTIMPL.
+  virtual VxResult MapEvaluateCorners(VxMapID map, float* values, unsigned char* found) const {
+    (void)map;
+    (void)values;
+    (void)found;
+    return VXR_NOTIMPL;
+  }
 
  protected:
   ~IVxPolygon() = default;

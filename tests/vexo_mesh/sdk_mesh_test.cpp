@@ -55,7 +55,7 @@ TEST(SdkMesh, MapsByTypeInCreationOrder) {
 // Corner values written in scrambled order, some twice, over a map with some
 // point values: every corner answers its own value, else its point's, else
 // VXR_NOTFOUND.
-TEST(SdkMesh, MapEvaluatePrefersTheCornerThenThePoint) {
+TEST(SdkMesh, MapEvaluatePrefersTheCornerThenThePointOneCornerOrAllAtOnce) {
   MeshData data;
   test::addCylinder(data, 16);
   const std::size_t uv = data.addMap(VX_VMAP_TEXTUREUV, "uv"), rgb = data.addMap(VX_VMAP_RGB, "rgb");
@@ -84,7 +84,22 @@ TEST(SdkMesh, MapEvaluatePrefersTheCornerThenThePoint) {
         (own ? fromCorner : want ? fromPoint : missing)++;
       }
     }
+    // The whole polygon at once answers what each corner answers alone.
+    for (std::size_t m : {uv, rgb}) {
+      const unsigned dimension = data.map(m).dimension();
+      std::vector<float> all(dimension * poly.VertexCount(), -1.0f);
+      std::vector<unsigned char> has(poly.VertexCount(), 7);
+      EXPECT_EQ(poly.MapEvaluateCorners(VxMapID(m + 1), all.data(), has.data()), VXR_OK);
+      for (unsigned k = 0; k < poly.VertexCount(); ++k) {
+        float one[3] = {-1, -1, -1};
+        const bool found = poly.MapEvaluate(VxMapID(m + 1), poly.PointByIndex(k), one) == VXR_OK;
+        EXPECT_EQ(has[k], found ? 1 : 0) << "polygon " << poly.Index() << " corner " << k;
+        for (unsigned d = 0; found && d < dimension; ++d) EXPECT_EQ(all[dimension * k + d], one[d]);
+      }
+    }
     float got[3];
+    unsigned char has[64];
+    EXPECT_EQ(poly.MapEvaluateCorners(VX_MAP_NONE, got, has), VXR_BADARG);
     EXPECT_EQ(poly.MapEvaluate(VxMapID(uv + 1), 999, got), VXR_NOTFOUND) << "not a point of the polygon";
     EXPECT_EQ(poly.MapEvaluate(VX_MAP_NONE, poly.PointByIndex(0), got), VXR_BADARG);
     return VXR_OK;

@@ -107,6 +107,25 @@ class WalkPolygon final : public IVxPolygon {
     return VXR_NOTFOUND;
   }
 
+  VxResult MapEvaluateCorners(VxMapID map, float* values, unsigned char* found) const override {
+    if (map == VX_MAP_NONE || map > maps_.size() || !values || !found) return VXR_BADARG;
+    const MapView& v = maps_[std::size_t(map - 1)];
+    switch (v.dimension) {
+      case 2:
+        evaluateCorners<2>(v, values, found);
+        break;
+      case 3:
+        evaluateCorners<3>(v, values, found);
+        break;
+      case 4:
+        evaluateCorners<4>(v, values, found);
+        break;
+      default:
+        evaluateCorners<0>(v, values, found);
+    }
+    return VXR_OK;
+  }
+
  private:
   struct MapView {
     const VertexMap* map = nullptr;
@@ -115,6 +134,27 @@ class WalkPolygon final : public IVxPolygon {
     std::size_t begin = 0, end = 0;  // the current polygon's corner entries
     unsigned dimension = 0;
   };
+
+  // Every corner's value, its own or its point's; `D` is the map's dimension
+  // when known at compile time (0: read it from the map).
+  template <unsigned D>
+  void evaluateCorners(const MapView& v, float* values, unsigned char* found) const {
+    const unsigned dimension = D != 0 ? D : v.dimension;
+    const std::size_t own = v.end - v.begin;
+    for (unsigned slot = 0; slot < size_; ++slot, values += dimension) {
+      const float* value = nullptr;
+      if (own == size_) {
+        value = v.map->cornerValueAt(v.begin + slot);
+      } else {
+        for (std::size_t i = v.begin; i < v.end && !value; ++i)
+          if (v.ids[i] == first_ + slot) value = v.map->cornerValueAt(i);
+        if (!value) value = v.map->pointValue(points_[slot]);
+      }
+      found[slot] = value != nullptr;
+      if (value)
+        for (unsigned d = 0; d < dimension; ++d) values[d] = value[d];
+    }
+  }
 
   // The exporter asks several questions about one corner in a row.
   unsigned slotOf(unsigned point) const {
