@@ -1,9 +1,12 @@
 #include "scenefile/mesh_text_reader.h"
 
+#include <charconv>
 #include <cmath>
 #include <limits>
 #include <cstdint>
 #include <string>
+#include <system_error>
+#include <utility>
 #include <vector>
 
 #include "scenefile/json_number.h"
@@ -59,13 +62,15 @@ class MeshText {
 
   bool parse() { return object([this](std::string_view key) { return meshMember(key); }); }
   std::size_t offset() const { return static_cast<std::size_t>(p_ - begin_); }
-  bool build(MeshData& mesh) const;
+  bool build(MeshData& mesh);
 
  private:
   // --- the grammar: white space, comments and trailing commas as the general reader takes them
 
   // Skips white space and comments; false at a '/' that starts no closed comment.
   bool skip() {
+    // Compact text has nothing to skip: one test for the common case.
+    if (p_ < end_ && static_cast<unsigned char>(*p_) > ' ' && *p_ != '/') return true;
     while (p_ < end_) {
       const char c = *p_;
       if (c == ' ' || c == '\n' || c == '\r' || c == '\t') {
@@ -167,53 +172,56 @@ class MeshText {
     return true;
   }
 
+  bool fail(const char* at) {
+    p_ = at;
+    return false;
+  }
+
   // A JSON number, correctly rounded as the general reader rounds it. False as
   // well for numbers beyond the largest double, which the general reader reports.
   bool number(double& out) {
-    const char* first = p_;
-    const bool negative = take('-');
-    if (p_ >= end_ || !isDigit(*p_)) return false;
-    std::uint64_t mantissa = 0;
-    int digits = 0, exponent = 0;
-    bool exact = true;  // up to 15 significant digits, so that the mantissa is an exact double
-    const auto digit = [&](bool fraction) {
-      const unsigned d = static_cast<unsigned>(*p_++ - '0');
-      if (!exact || (mantissa == 0 && d == 0)) {
-        exponent -= fraction && exact;
-        return;
-      }
-      if (++digits > 15) {
-        exact = false;
-        return;
-      }
-      mantissa = mantissa * 10 + d;
-      exponent -= fraction;
-    };
-    if (*p_ == '0') {
-      ++p_;
+    // Local copies of the cursor keep it in a register through the digit loops.
+    const char* p = p_;
+    const char* const end = end_;
+    const char* const first = p;
+    const bool negative = p < end && *p == '-';
+    p += negative;
+    std::uint64_t mantissa = 0;  // exact while there are at most 19 digits
+    const char* digits = p;
+    unsigned d = 0;
+    if (p < end && *p == '0') {
+      ++p;
     } else {
-      while (p_ < end_ && isDigit(*p_)) digit(false);
+      for (; p < end && (d = static_cast<unsigned>(*p - '0')) < 10u; ++p) mantissa = mantissa * 10 + d;
     }
-    if (take('.')) {
-      if (p_ >= end_ || !isDigit(*p_)) return false;
-      while (p_ < end_ && isDigit(*p_)) digit(true);
+    if (p == digits) return fail(p);
+    std::ptrdiff_t fractionDigits = 0;
+    if (p < end && *p == '.') {
+      const char* fraction = ++p;
+      for (; p < end && (d = static_cast<unsigned>(*p - '0')) < 10u; ++p) mantissa = mantissa * 10 + d;
+      fractionDigits = p - fraction;
+      if (fractionDigits == 0) return fail(p);
     }
-    if (p_ < end_ && (*p_ == 'e' || *p_ == 'E')) {
-      ++p_;
-      const bool negativeExponent = take('-');
-      if (!negativeExponent) take('+');
-      if (p_ >= end_ || !isDigit(*p_)) return false;
-      int written = 0;
-      for (; p_ < end_ && isDigit(*p_); ++p_) written = written < 100000 ? written * 10 + (*p_ - '0') : written;
-      exponent += negativeExponent ? -written : written;
+    const std::ptrdiff_t count = (p - digits) - (fractionDigits ? 1 : 0);
+    int exponent = 0;
+    if (p < end && (*p == 'e' || *p == 'E')) {
+      ++p;
+      const bool negativeExponent = p < end && *p == '-';
+      if (p < end && (*p == '-' || *p == '+')) ++p;
+      if (p >= end || !isDigit(*p)) return fail(p);
+      for (; p < end && isDigit(*p); ++p) exponent = exponent < 100000 ? exponent * 10 + (*p - '0') : exponent;
+      if (negativeExponent) exponent = -exponent;
     }
-    if (exact) {
+    p_ = p;
+    // A mantissa up to 2^53 is an exact double, and so is a power of ten up
+    // to 22: one multiplication or division of the two rounds correctly.
+    if (count <= 19 && mantissa <= (std::uint64_t(1) << 53)) {
+      exponent -= static_cast<int>(fractionDigits);
+      const double value = static_cast<double>(mantissa);
       if (mantissa == 0) {
         out = negative ? -0.0 : 0.0;
         return true;
       }
-      // One multiplication or division of two exact doubles rounds correctly.
-      double value = static_cast<double>(mantissa);
       if (exponent >= 0 && exponent <= 22) {
         out = negative ? -(value * kExactPowers[exponent]) : value * kExactPowers[exponent];
         return true;
@@ -223,9 +231,12 @@ class MeshText {
         return true;
       }
     }
-    // The rare long or far-out number: converted as the general reader converts it.
+    // Longer numbers: std::from_chars rounds correctly too. Beyond a double's
+    // range they are converted as the general reader converts them.
+    const std::from_chars_result r = std::from_chars(first, p, out);
+    if (r.ec == std::errc() && r.ptr == p) return true;
     JsonNumber converted;
-    if (!readJsonNumber(std::string_view(first, static_cast<std::size_t>(p_ - first)), converted)) return false;
+    if (!readJsonNumber(std::string_view(first, static_cast<std::size_t>(p - first)), converted)) return false;
     out = converted.number;
     return true;
   }
@@ -285,7 +296,9 @@ class MeshText {
       unsigned n = 0;
       const bool read = array([&] { return n < 3 && number(xyz[n++]); });
       if (!read || n != 3) return false;
-      xyz_.insert(xyz_.end(), xyz, xyz + 3);
+      xyz_.push_back(xyz[0]);
+      xyz_.push_back(xyz[1]);
+      xyz_.push_back(xyz[2]);
       return true;
     });
   }
@@ -354,7 +367,7 @@ class MeshText {
         return true;
       }
       if (!floats(map.dimension, value)) return false;
-      map.pointValues.insert(map.pointValues.end(), value, value + map.dimension);
+      for (unsigned i = 0; i < map.dimension; ++i) map.pointValues.push_back(value[i]);
       map.pointGiven.push_back(1);
       return true;
     });
@@ -373,7 +386,7 @@ class MeshText {
       });
       if (!read || seen != 7) return false;
       map.corners.push_back(corner);
-      map.cornerValues.insert(map.cornerValues.end(), value, value + map.dimension);
+      for (unsigned i = 0; i < map.dimension; ++i) map.cornerValues.push_back(value[i]);
       return true;
     });
   }
@@ -391,7 +404,7 @@ class MeshText {
   std::vector<MapText> maps_;
 };
 
-bool MeshText::build(MeshData& mesh) const {
+bool MeshText::build(MeshData& mesh) {
   try {
     if (seen_ & 1) mesh.appendPoints(xyz_.data(), xyz_.size() / 3);
     if (seen_ & 2) {
@@ -416,12 +429,12 @@ bool MeshText::build(MeshData& mesh) const {
       for (const TagRun& run : tagRuns_) mesh.setPolygonTags(run.first, run.count, VX_PTAG_MATERIAL, run.tag);
     }
     if (seen_ & 8) mesh.setSmoothingAngle(smoothingAngle_);
-    for (const MapText& text : maps_) {
+    for (MapText& text : maps_) {
       const std::size_t map = mesh.addMap(text.type, std::string(text.name));
       if (text.hasPoints) {
         if (text.pointGiven.size() != mesh.pointCount()) return false;
         if (text.pointNulls == 0) {
-          mesh.setPointValues(map, text.pointValues.data());
+          mesh.setPointValues(map, std::move(text.pointValues));
         } else {
           for (std::uint32_t p = 0; p < text.pointGiven.size(); ++p)
             if (text.pointGiven[p]) mesh.setPointValue(map, p, &text.pointValues[std::size_t(p) * text.dimension]);
