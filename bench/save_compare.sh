@@ -27,7 +27,7 @@ echo "Making the $size grid's scene file and its .glb in $work ..."
 scene="$(ls "$work"/grid-*.json | head -n 1)"
 # The whole scene, indices as the benchmark exports them.
 settings=(--set sceneio.gltf.save.exportType=0 --set sceneio.gltf.save.indicesExport=1)
-"$build/bin/vexo" save "$scene" "$work/source.glb" "${settings[@]}" >/dev/null
+"$build/bin/vexo" save "$scene" "$work/source.glb" "${settings[@]}" >/dev/null 2>&1
 rm -f "$work"/grid-*.glb
 printf '%s: %s bytes; %s: %s bytes\n' "$(basename "$scene")" "$(stat -c %s "$scene")" source.glb \
   "$(stat -c %s "$work/source.glb")"
