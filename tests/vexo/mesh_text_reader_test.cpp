@@ -33,7 +33,7 @@ std::vector<std::uint8_t> bitsOf(const T* values, std::size_t count) {
 
 void expectSameMesh(const MeshData& a, const MeshData& b) {
   ASSERT_EQ(a.pointCount(), b.pointCount());
-  EXPECT_EQ(bitsOf(&a.points()[0].x, 3 * a.pointCount()), bitsOf(&b.points()[0].x, 3 * b.pointCount()));
+  EXPECT_EQ(bitsOf(a.points().data(), a.pointCount()), bitsOf(b.points().data(), b.pointCount()));
   ASSERT_EQ(a.polygonCount(), b.polygonCount());
   ASSERT_EQ(a.cornerCount(), b.cornerCount());
   for (std::uint32_t p = 0; p < a.polygonCount(); ++p) {
