@@ -8,10 +8,19 @@
 // and times reading the text into a scene, then reading every locator's
 // world, local and parent world matrix through the SDK as an exporter does.
 // Time per item that stays flat as N grows is linear cost.
+//
+// With --files it times reading the given scene files instead (such as the
+// grid scenes gltfio_bench writes with --keep): the median of --repeat reads
+// of each, and the throughput. --general reads every mesh through the
+// general reader, for the comparison.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <fstream>
 #include <functional>
+#include <iterator>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -103,6 +112,50 @@ Timing run(const std::string& text) {
   return t;
 }
 
+// Reads `path` `repeat` times; the median read in ms, or a negative number when it does not read.
+double timeFile(const std::string& path, int repeat, bool general, std::string& problem) {
+  std::vector<double> times;
+  for (int i = 0; i < repeat; ++i) {
+    Scene scene;
+    std::string error;
+    const Clock::time_point start = Clock::now();
+    bool read = false;
+    if (general) {
+      std::ifstream in(path, std::ios::binary);
+      std::ostringstream text;
+      text << in.rdbuf();
+      read = in && vexo::readSceneText(text.str(), path, scene, error, false);
+    } else {
+      read = vexo::readSceneFile(path, scene, error);
+    }
+    times.push_back(msSince(start));
+    if (!read) {
+      problem = error.empty() ? path + ": cannot read" : error;
+      return -1;
+    }
+  }
+  std::sort(times.begin(), times.end());
+  return times[times.size() / 2];
+}
+
+int timeFiles(const std::vector<std::string>& files, int repeat, bool general) {
+  std::printf("%-40s %10s %10s %10s\n", "file", "MiB", "read ms", "MiB/s");
+  int status = 0;
+  for (const std::string& path : files) {
+    std::ifstream in(path, std::ios::binary | std::ios::ate);
+    const double mib = static_cast<double>(in.tellg()) / (1024.0 * 1024.0);
+    std::string problem;
+    const double ms = timeFile(path, repeat, general, problem);
+    if (ms < 0) {
+      std::fprintf(stderr, "%s\n", problem.c_str());
+      status = 1;
+      continue;
+    }
+    std::printf("%-40s %10.1f %10.1f %10.1f\n", path.c_str(), mib, ms, mib / (ms / 1000.0));
+  }
+  return status;
+}
+
 }  // namespace
 }  // namespace gltfio::bench
 
@@ -113,7 +166,15 @@ int main(int argc, char** argv) {
   std::vector<std::string> cases = {"locators", "links", "chain", "slashes"};
   app.add_option("--sizes", sizes, "Values of N")->capture_default_str();
   app.add_option("--cases", cases, "Which scenes: locators, links, chain, slashes")->capture_default_str();
+  std::vector<std::string> files;
+  int repeat = 5;
+  bool general = false;
+  app.add_option("--files", files, "Time reading these scene files instead");
+  app.add_option("--repeat", repeat, "Reads of each file; the median is shown")->capture_default_str()->check(
+      CLI::PositiveNumber);
+  app.add_flag("--general", general, "Read meshes through the general reader only");
   CLI11_PARSE(app, argc, argv);
+  if (!files.empty()) return timeFiles(files, repeat, general);
 
   const struct {
     const char* name;

@@ -184,6 +184,22 @@ void MeshData::setPointValues(std::size_t map, const float* values) {
     m.setPointValue(p, values + std::size_t(p) * m.dimension(), points_.size());
 }
 
+void MeshData::setPointValues(std::size_t map, std::vector<float>&& values) {
+  checkMap(map);
+  VertexMap& m = *maps_[map];
+  const std::size_t count = points_.size();
+  if (values.size() != count * m.dimension()) {
+    throw MeshError("vertex map \"" + m.name() + "\": " + std::to_string(values.size()) + " values for " +
+                    std::to_string(count) + " points of " + std::to_string(m.dimension()) + " values each");
+  }
+  if (m.pointCapacity_ != 0) return setPointValues(map, values.data());
+  m.pointValues_ = std::move(values);
+  m.pointCapacity_ = count;
+  m.pointHas_.assign((count + 63) / 64, ~std::uint64_t(0));
+  if (count % 64) m.pointHas_.back() = (std::uint64_t(1) << (count % 64)) - 1;
+  m.pointValueCount_ = count;
+}
+
 void MeshData::setCornerValue(std::size_t map, std::uint32_t polygon, std::uint32_t point, const float* values) {
   checkMap(map);
   if (polygon >= polygonCount()) {

@@ -107,6 +107,9 @@ class MeshData {
   void setPointValue(std::size_t map, std::uint32_t point, const float* values);
   // A value for every point of the mesh, in point order.
   void setPointValues(std::size_t map, const float* values);
+  // The same from an array of pointCount() * dimension() values, which a map
+  // without point values yet takes over rather than copies.
+  void setPointValues(std::size_t map, std::vector<float>&& values);
   // The value at the corner of `polygon` that uses `point`.
   void setCornerValue(std::size_t map, std::uint32_t polygon, std::uint32_t point, const float* values);
   // Values for `count` consecutive corners from corner `first`.

@@ -19,6 +19,8 @@ namespace {
 // destruction cannot exhaust the stack.
 constexpr std::size_t kMaxDepth = 512;
 constexpr const char* kTooDeep = "values nested too deeply";
+// The deepest nesting inside a value a JsonRawReader takes whole.
+constexpr std::size_t kRawReaderDepth = 16;
 
 // Numbers come as text and are converted here: the reader's own conversion
 // is not correctly rounded, and its full-precision one misreads some inputs.
@@ -38,9 +40,14 @@ class TextPositions {
     for (const char* p = text.data(); (p = static_cast<const char*>(std::memchr(p, '\n', text.size() - (p - text.data()))));)
       lineStarts_.push_back(static_cast<std::size_t>(++p - text.data()));
     std::size_t characters = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-      if (i % kBlock == 0) blockCharacters_.push_back(characters);
-      characters += !isContinuationByte(text[i]);
+    blockCharacters_.reserve(text.size() / kBlock + 1);
+    for (std::size_t block = 0; block < text.size(); block += kBlock) {
+      blockCharacters_.push_back(characters);
+      // A plain loop over one block, which the compiler turns into vector code.
+      const std::size_t end = std::min(text.size(), block + kBlock);
+      unsigned inBlock = 0;
+      for (std::size_t i = block; i < end; ++i) inBlock += !isContinuationByte(text[i]);
+      characters += inBlock;
     }
   }
 
@@ -101,6 +108,38 @@ std::size_t skipFiller(std::string_view text, std::size_t i) {
   return i;
 }
 
+// Where a container the reader has just closed ends. After a trailing comma
+// the reader reports the close before it takes the bracket, so the position
+// is still at the bracket, which follows filler there rather than a value.
+std::size_t closedEnd(std::string_view text, std::size_t tell) {
+  const auto isClose = [](char c) { return c == '}' || c == ']'; };
+  if (tell < text.size() && isClose(text[tell]) && (tell == 0 || !isClose(text[tell - 1]))) ++tell;
+  return tell;
+}
+
+// Skips white space and comments as the reader does between tokens; npos at
+// a '/' that starts no closed comment.
+std::size_t skipSpace(std::string_view text, std::size_t i) {
+  while (i < text.size()) {
+    const char c = text[i];
+    if (c == ' ' || c == '\t' || c == '\n' || c == '\r') {
+      ++i;
+    } else if (text.compare(i, 2, "//") == 0) {
+      i = text.find('\n', i);
+      if (i == std::string_view::npos) return text.size();
+    } else if (text.compare(i, 2, "/*") == 0) {
+      i = text.find("*/", i + 2);
+      if (i == std::string_view::npos) return i;
+      i += 2;
+    } else if (c == '/') {
+      return std::string_view::npos;
+    } else {
+      break;
+    }
+  }
+  return i;
+}
+
 // A string stream the reader uses in place rather than through a local copy,
 // so that its position is current whenever a handler runs. Past the end it
 // gives zeros, which the reader takes for the end: a character cut short at
@@ -110,7 +149,18 @@ class TextStream {
   using Ch = char;
   explicit TextStream(std::string_view text) : begin_(text.data()), cur_(text.data()), end_(text.data() + text.size()) {}
   Ch Peek() const { return cur_ < end_ ? *cur_ : '\0'; }
-  Ch Take() { return cur_ < end_ ? *cur_++ : '\0'; }
+  Ch Take() {
+    if (cur_ >= end_) return '\0';
+    const Ch c = *cur_++;
+    if (cur_ == skipFrom_) cur_ = skipTo_;
+    return c;
+  }
+  // Once the opening bracket at `open` is taken, goes on at the closing one
+  // at `close`: the reader sees an empty array or object.
+  void skipInside(std::size_t open, std::size_t close) {
+    skipFrom_ = begin_ + open + 1;
+    skipTo_ = begin_ + close;
+  }
   std::size_t Tell() const { return static_cast<std::size_t>(cur_ - begin_); }
   Ch* PutBegin() { return nullptr; }
   void Put(Ch) {}
@@ -121,6 +171,8 @@ class TextStream {
   const char* begin_;
   const char* cur_;
   const char* end_;
+  const char* skipFrom_ = nullptr;
+  const char* skipTo_ = nullptr;
 };
 
 // Builds the tree from the reader's events. Each event comes right after the
@@ -128,8 +180,9 @@ class TextStream {
 // the previous event that is not filler.
 class TreeBuilder {
  public:
-  TreeBuilder(std::string_view text, const TextStream& stream, const TextPositions& positions, const JsonRawRule& raw)
-      : text_(text), stream_(stream), positions_(positions), rawRule_(raw) {}
+  TreeBuilder(std::string_view text, TextStream& stream, const TextPositions& positions, const JsonRawRule& raw,
+              const JsonRawReader& rawReader)
+      : text_(text), stream_(stream), positions_(positions), rawRule_(raw), rawReader_(rawReader) {}
 
   bool Null() { return inRaw_ ? rawScalar() : add(JsonNode{}); }
   bool Bool(bool b) {
@@ -180,6 +233,7 @@ class TreeBuilder {
     member.keyPos = start();
     stack_.back().members.push_back(std::move(member));
     inRaw_ = rawRule_ && rawRule_(stack_, stack_.back().members.back().key);
+    if (inRaw_ && rawReader_ && stack_.size() + kRawReaderDepth <= kMaxDepth) offerRaw();
     return true;
   }
   bool EndObject(rapidjson::SizeType) { return inRaw_ ? rawClose() : close(); }
@@ -204,6 +258,17 @@ class TreeBuilder {
     return pos;
   }
 
+  // Offers the raw value after the key just taken to the raw reader; when
+  // it takes the value, the reader skips all but its brackets.
+  void offerRaw() {
+    const std::size_t colon = skipSpace(text_, stream_.Tell());
+    if (colon >= text_.size() || text_[colon] != ':') return;
+    const std::size_t open = skipSpace(text_, colon + 1);
+    if (open >= text_.size() || (text_[open] != '{' && text_[open] != '[')) return;
+    const std::size_t end = rawReader_(open);
+    if (end != std::string_view::npos) stream_.skipInside(open, end - 1);
+  }
+
   // A raw value's events only count its depth; its node is placed when it ends.
   void beginRaw() {
     raw_ = JsonNode{};
@@ -211,9 +276,9 @@ class TreeBuilder {
     raw_.rawBegin = skipFiller(text_, lastEnd_);
     raw_.pos = positions_.at(raw_.rawBegin);
   }
-  bool endRaw() {
+  bool endRaw(std::size_t end) {
     inRaw_ = false;
-    lastEnd_ = raw_.rawEnd = stream_.Tell();
+    lastEnd_ = raw_.rawEnd = end;
     return place(std::move(raw_));
   }
   // Inside a raw value each event still moves `lastEnd_`, so that a refusal can point at its value.
@@ -223,7 +288,7 @@ class TreeBuilder {
       return true;
     }
     beginRaw();
-    return endRaw();
+    return endRaw(stream_.Tell());
   }
   bool rawOpen() {
     if (rawDepth_ == 0) beginRaw();
@@ -233,10 +298,10 @@ class TreeBuilder {
   }
   bool rawClose() {
     if (--rawDepth_ > 0) {
-      lastEnd_ = stream_.Tell();
+      lastEnd_ = closedEnd(text_, stream_.Tell());
       return true;
     }
-    return endRaw();
+    return endRaw(closedEnd(text_, stream_.Tell()));
   }
 
   bool open(JsonNode::Kind kind) {
@@ -249,7 +314,7 @@ class TreeBuilder {
   }
 
   bool close() {
-    lastEnd_ = stream_.Tell();
+    lastEnd_ = closedEnd(text_, stream_.Tell());
     JsonNode node = std::move(stack_.back());
     stack_.pop_back();
     return place(std::move(node));
@@ -272,9 +337,10 @@ class TreeBuilder {
   }
 
   std::string_view text_;
-  const TextStream& stream_;
+  TextStream& stream_;
   const TextPositions& positions_;
   const JsonRawRule& rawRule_;
+  const JsonRawReader& rawReader_;
   bool inRaw_ = false;
   std::size_t rawDepth_ = 0;
   JsonNode raw_;
@@ -349,7 +415,7 @@ class ValueFinder {
   }
   bool close() {
     open_.pop_back();
-    lastEnd_ = stream_.Tell();
+    lastEnd_ = closedEnd(text_, stream_.Tell());
     return true;
   }
 
@@ -399,7 +465,8 @@ const char* jsonKindName(JsonNode::Kind kind) {
   return kNames[static_cast<int>(kind)];
 }
 
-bool parseJson(std::string_view text, JsonNode& root, JsonError& error, const JsonRawRule& raw) {
+bool parseJson(std::string_view text, JsonNode& root, JsonError& error, const JsonRawRule& raw,
+               const JsonRawReader& rawReader) {
   TextPositions positions(text);
   // The reader takes a zero byte for the end of the text.
   if (const void* zero = std::memchr(text.data(), '\0', text.size())) {
@@ -407,7 +474,7 @@ bool parseJson(std::string_view text, JsonNode& root, JsonError& error, const Js
     return false;
   }
   TextStream stream(text);
-  TreeBuilder builder(text, stream, positions, raw);
+  TreeBuilder builder(text, stream, positions, raw, rawReader);
   JsonReader reader;
   rapidjson::ParseResult result = reader.Parse<kParseFlags>(stream, builder);
   if (result) {

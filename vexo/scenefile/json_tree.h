@@ -60,8 +60,16 @@ struct JsonError {
 // elements so far; the last one is the object the key belongs to.
 using JsonRawRule = std::function<bool(const std::vector<JsonNode>& open, std::string_view key)>;
 
+// Offered each raw value that opens with '{' or '[', at the offset of that
+// bracket, before the parser goes through it. Returns the offset just past
+// the matching closing bracket when it has taken the whole value (which must
+// then be valid JSON), and the parser skips its inside; npos to leave the
+// value to the parser.
+using JsonRawReader = std::function<std::size_t(std::size_t begin)>;
+
 // Parses a whole document. On failure `error` tells where and what, and `root` is unspecified.
-bool parseJson(std::string_view text, JsonNode& root, JsonError& error, const JsonRawRule& raw = nullptr);
+bool parseJson(std::string_view text, JsonNode& root, JsonError& error, const JsonRawRule& raw = nullptr,
+               const JsonRawReader& rawReader = nullptr);
 
 // Where a value starts in `text`, which must parse (as the raw text of a
 // value does). Each step of `path` is an element index in an array or a

@@ -9,11 +9,13 @@
 #include <cstring>
 #include <limits>
 #include <sstream>
+#include <type_traits>
 #include <unordered_map>
 
 #include "mesh/mesh_data.h"
 #include "scenefile/json_allocator.h"
 #include "scenefile/json_number.h"
+#include "scenefile/mesh_text_reader.h"
 #include "vexo/vx_mesh.h"
 
 namespace vexo {
@@ -191,24 +193,29 @@ class MeshValueReader {
     return v.IsArray() || fail(std::string(what) + " takes an array, not " + describe(v));
   }
 
+  // A number for `out`: floats stop at the largest float, where a double goes on.
+  template <typename T>
+  bool convert(const Value& v, const std::string& what, T& out) {
+    const double value = v.GetDouble();
+    if (std::is_same_v<T, float> && std::fabs(value) > std::numeric_limits<float>::max())
+      return fail(what + " takes numbers up to the largest float (about 3.4e38), not " + describe(v));
+    out = static_cast<T>(value);
+    return true;
+  }
+
   // `count` numbers into `out`; a lone number stands for an array of one when `bare`.
   template <typename T>
   bool readNumbers(const Value& v, unsigned count, const std::string& what, T* out, bool bare = false) {
-    if (bare && count == 1 && v.IsNumber()) {
-      out[0] = static_cast<T>(v.GetDouble());
-      return true;
-    }
+    if (bare && count == 1 && v.IsNumber()) return convert(v, what, out[0]);
     if (!v.IsArray() || v.Size() != count) {
       return fail(what + " takes " + std::to_string(count) + (count == 1 ? " number" : " numbers") + ", not " +
                   describe(v));
     }
     for (unsigned i = 0; i < count; ++i) {
       const Value& element = v[i];
-      if (!element.IsNumber()) {
-        Step s(*this, i);
-        return fail(what + " takes numbers, not " + describe(element));
-      }
-      out[i] = static_cast<T>(element.GetDouble());
+      Step s(*this, i);
+      if (!element.IsNumber()) return fail(what + " takes numbers, not " + describe(element));
+      if (!convert(element, what, out[i])) return false;
     }
     return true;
   }
@@ -435,6 +442,13 @@ bool isItemMeshValue(const std::vector<JsonNode>& open, std::string_view key) {
   return true;
 }
 
+std::size_t MeshReader::readAhead(std::size_t begin) {
+  MeshData mesh;
+  const std::size_t end = readMeshText(text_, begin, mesh);
+  if (end != std::string_view::npos) readAhead_.emplace(begin, std::move(mesh));
+  return end;
+}
+
 bool MeshReader::readItem(const JsonNode& node, Item& item, JsonError& error) {
   MeshStore& store = scene_.meshes();
   for (const JsonMember& m : node.members) {
@@ -447,7 +461,15 @@ bool MeshReader::readItem(const JsonNode& node, Item& item, JsonError& error) {
         error = {m.value.pos, std::string("\"mesh\" takes an object, not ") + jsonKindName(m.value.kind)};
         return false;
       }
-      if (!MeshValueReader(text_, m.value, *store.ownMesh(item), error).read()) return false;
+      MeshData& mesh = *store.ownMesh(item);
+      if (auto ahead = readAhead_.find(m.value.rawBegin); ahead != readAhead_.end()) {
+        std::string ident = mesh.ident();
+        mesh = std::move(ahead->second);
+        mesh.setIdent(std::move(ident));
+        readAhead_.erase(ahead);
+      } else if (!MeshValueReader(text_, m.value, mesh, error).read()) {
+        return false;
+      }
     } else if (m.key == "source") {
       if (!store.isInstance(item)) {
         error = {m.keyPos, "\"source\" is for items of type \"meshInst\", not " + quoted(item.type().name)};

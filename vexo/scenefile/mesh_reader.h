@@ -4,13 +4,19 @@
 //
 // A mesh can hold millions of numbers, more than the positioned tree should
 // carry, so the tree leaves items' "mesh" values raw (see isItemMeshValue)
-// and they are parsed here into a compact DOM. Positions are looked up only
-// for a message, by a second pass over the mesh's text.
+// and they are read here. Most are read during the parse already, straight
+// from their text (readAhead, see mesh_text_reader.h); the others, those with
+// a fault among them, are parsed here into a compact DOM. Positions are looked
+// up only for a message, by a second pass over the mesh's text.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
+
+#include "mesh/mesh_data.h"
 
 #include "engine/scene.h"
 #include "scenefile/json_tree.h"
@@ -25,6 +31,10 @@ class MeshReader {
  public:
   // `text` is the whole scene file as it was parsed.
   MeshReader(std::string_view text, Scene& scene) : text_(text), scene_(scene) {}
+
+  // A JsonRawReader for the parse: reads the mesh value at `begin` whole when
+  // it can, and keeps it for its item.
+  std::size_t readAhead(std::size_t begin);
 
   // Reads an item's "mesh" into the item's mesh and notes its "source", when
   // it has them. On failure `error` tells where and what.
@@ -43,6 +53,7 @@ class MeshReader {
   std::string_view text_;
   Scene& scene_;
   std::vector<SourceRef> sources_;
+  std::unordered_map<std::size_t, MeshData> readAhead_;  // by the offset of the mesh value
 };
 
 }  // namespace vexo

@@ -20,6 +20,9 @@ inline constexpr std::uint64_t kMaxSceneFileSize = std::uint64_t(1) << 31;
 bool readSceneFile(const std::string& path, Scene& scene, std::string& error);
 
 // The same for text already in memory; `fileName` only appears in errors.
-bool readSceneText(std::string_view text, const std::string& fileName, Scene& scene, std::string& error);
+// Without `quickMeshes` every mesh goes through the general reader, which the
+// quick one must match.
+bool readSceneText(std::string_view text, const std::string& fileName, Scene& scene, std::string& error,
+                   bool quickMeshes = true);
 
 }  // namespace vexo

@@ -36,6 +36,8 @@ class SceneReader {
       : fileName_(fileName), scene_(scene), meshes_(text, scene) {}
 
   bool read(const JsonNode& root);
+  // The parse's JsonRawReader for items' meshes.
+  std::size_t readMeshAhead(std::size_t begin) { return meshes_.readAhead(begin); }
   const std::string& error() const { return error_; }
 
  private:
