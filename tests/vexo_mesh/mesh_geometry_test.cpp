@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
+#include <random>
+#include <vector>
 
 #include "mesh/mesh_data.h"
 #include "mesh_shapes.h"
@@ -83,6 +86,56 @@ TEST(MeshGeometry, PolygonWithoutAreaBorrowsItsNeighbours) {
   EXPECT_EQ(mesh.firstTriangle(1), 2u);
   EXPECT_EQ(std::vector<std::uint32_t>(g.triangles.begin() + 6, g.triangles.end()),
             (std::vector<std::uint32_t>{0, 2, 4}));
+}
+
+// Every double's bits, so that -0.0 and 0.0 (and NaNs) tell apart.
+template <class T>
+bool sameBytes(const std::vector<T>& a, const std::vector<T>& b) {
+  return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(T)) == 0);
+}
+
+void expectSameGeometry(const MeshData& mesh) {
+  const MeshGeometry quick = buildMeshGeometry(mesh), any = buildMeshGeometryAnyPolygons(mesh);
+  EXPECT_EQ(quick.triangles, any.triangles);
+  EXPECT_TRUE(sameBytes(quick.polygonNormals, any.polygonNormals));
+  EXPECT_TRUE(sameBytes(quick.polygonAreas, any.polygonAreas));
+  EXPECT_EQ(quick.cornerNormalIndex, any.cornerNormalIndex);
+  EXPECT_TRUE(sameBytes(quick.normals, any.normals));
+}
+
+// Triangles and quads take a quicker path: the same results to the bit,
+// on bumpy, flat, folded, degenerate and far-away polygons.
+TEST(MeshGeometry, TrianglesAndQuadsComeOutAsFromAnyPolygons) {
+  std::mt19937 random(7);
+  std::uniform_real_distribution<double> bump(-0.3, 0.3);
+  for (const double offset : {0.0, 1e7}) {
+    for (const double angle : {0.0, 40.0, 180.0}) {
+      SCOPED_TRACE(::testing::Message() << "offset " << offset << ", angle " << angle);
+      MeshData mesh;
+      const unsigned side = 12;
+      for (unsigned y = 0; y <= side; ++y)
+        for (unsigned x = 0; x <= side; ++x) mesh.addPoint({offset + x + bump(random), bump(random), y + bump(random)});
+      for (unsigned y = 0; y < side; ++y) {
+        for (unsigned x = 0; x < side; ++x) {
+          const std::uint32_t a = y * (side + 1) + x, b = a + 1, c = b + side + 1, d = a + side + 1;
+          switch ((x + 3 * y) % 5) {
+            case 0: mesh.addPolygon({a, b, c}); mesh.addPolygon({a, c, d}); break;
+            case 1: mesh.addPolygon({a, b, b, c}); break;  // a point twice
+            case 2: mesh.addPolygon({a, c, b, d}); break;  // folded over itself
+            default: mesh.addPolygon({a, b, c, d}); break;
+          }
+        }
+      }
+      const std::uint32_t e = mesh.addPoint({offset, 0, 0});
+      mesh.addPolygon({0, e, 0});  // no area
+      mesh.addPolygon({1, 2, 3, 2});  // on one line
+      mesh.setSmoothingAngle(angle);
+      expectSameGeometry(mesh);
+    }
+  }
+  MeshData cube;
+  test::addCube(cube);
+  expectSameGeometry(cube);
 }
 
 }  // namespace

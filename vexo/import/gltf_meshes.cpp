@@ -128,9 +128,8 @@ bool GltfImport::addPrimitive(const tinygltf::Primitive& primitive, int meshInde
   added = true;
 
   // Point values, one accessor element per point from `base`.
-  auto setPoints = [&](std::size_t map, const std::vector<float>& values, unsigned dimension) {
-    for (std::size_t i = 0; i < count; ++i)
-      mesh.setPointValue(map, base + static_cast<std::uint32_t>(i), values.data() + i * dimension);
+  auto setPoints = [&](std::size_t map, const std::vector<float>& values) {
+    mesh.setPointValues(map, base, count, values.data());
   };
   auto readCount = [&](const char* name, int accessor, int components, std::vector<float>& values) {
     if (!readAccessorFloats(model_, accessor, components, values, error))
@@ -143,7 +142,7 @@ bool GltfImport::addPrimitive(const tinygltf::Primitive& primitive, int meshInde
   std::vector<float> normals;
   if (options_.loadNormals && attribute("NORMAL") >= 0) {
     if (!readCount("NORMAL", attribute("NORMAL"), 3, normals)) return false;
-    setPoints(mapFor(mesh, VX_VMAP_NORMAL, "Normal"), normals, 3);
+    setPoints(mapFor(mesh, VX_VMAP_NORMAL, "Normal"), normals);
   }
   for (int set = 0;; ++set) {
     const std::string name = "TEXCOORD_" + std::to_string(set);
@@ -151,7 +150,7 @@ bool GltfImport::addPrimitive(const tinygltf::Primitive& primitive, int meshInde
     if (accessor < 0) break;
     std::vector<float> uvs;
     if (!readCount(name.c_str(), accessor, 2, uvs)) return false;
-    setPoints(mapFor(mesh, VX_VMAP_TEXTUREUV, gltfUvMapName(set)), uvs, 2);
+    setPoints(mapFor(mesh, VX_VMAP_TEXTUREUV, gltfUvMapName(set)), uvs);
   }
   for (int set = 0;; ++set) {
     const std::string name = "COLOR_" + std::to_string(set);
@@ -164,7 +163,7 @@ bool GltfImport::addPrimitive(const tinygltf::Primitive& primitive, int meshInde
     std::vector<float> rgba(count * 4, 1.0f);
     for (std::size_t i = 0; i < count; ++i)
       for (int c = 0; c < components; ++c) rgba[i * 4 + std::size_t(c)] = colors[i * std::size_t(components) + std::size_t(c)];
-    setPoints(mapFor(mesh, VX_VMAP_RGBA, colorMapName(set)), rgba, 4);
+    setPoints(mapFor(mesh, VX_VMAP_RGBA, colorMapName(set)), rgba);
   }
   if (attribute("TANGENT") >= 0) {
     if (normals.empty()) {
@@ -181,7 +180,7 @@ bool GltfImport::addPrimitive(const tinygltf::Primitive& primitive, int meshInde
         const float b[3] = {n[1] * t[2] - n[2] * t[1], n[2] * t[0] - n[0] * t[2], n[0] * t[1] - n[1] * t[0]};
         for (int c = 0; c < 3; ++c) basis[i * 6 + std::size_t(c)] = t[c], basis[i * 6 + 3 + std::size_t(c)] = w * b[c];
       }
-      setPoints(mapFor(mesh, VX_VMAP_TBASIS, "Tangents"), basis, 6);
+      setPoints(mapFor(mesh, VX_VMAP_TBASIS, "Tangents"), basis);
     }
   }
   return true;

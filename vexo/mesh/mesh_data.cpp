@@ -1,5 +1,6 @@
 #include "mesh/mesh_data.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -59,6 +60,15 @@ void MeshData::appendPoints(const double* xyz, std::size_t count) {
   changed();
 }
 
+void MeshData::setPoints(std::vector<Vec3>&& points) {
+  if (points.size() > kMaxElements - points_.size()) throw MeshError("the mesh has too many points");
+  if (points_.empty())
+    points_ = std::move(points);
+  else
+    points_.insert(points_.end(), points.begin(), points.end());
+  changed();
+}
+
 void MeshData::checkPoints(const std::uint32_t* points, std::size_t count) const {
   for (std::size_t i = 0; i < count; ++i) {
     if (points[i] >= points_.size()) {
@@ -90,6 +100,30 @@ void MeshData::appendPolygons(std::size_t verticesEach, const std::uint32_t* poi
   offsets_.reserve(offsets_.size() + polygonCount);
   std::uint32_t offset = offsets_.back();
   for (std::size_t i = 0; i < polygonCount; ++i) offsets_.push_back(offset += std::uint32_t(verticesEach));
+  changed();
+}
+
+void MeshData::setPolygons(std::vector<std::uint32_t>&& offsets, std::vector<std::uint32_t>&& points) {
+  bool rising = !offsets.empty() && offsets.front() == 0 && offsets.back() == points.size();
+  for (std::size_t i = 1; i < offsets.size() && rising; ++i) rising = offsets[i] >= offsets[i - 1];
+  if (!rising) {
+    throw MeshError("the polygon offsets do not match the " + std::to_string(points.size()) + " polygon points");
+  }
+  for (std::size_t i = 1; i < offsets.size(); ++i) {
+    if (offsets[i] - offsets[i - 1] < 3) {
+      throw MeshError("a polygon needs at least 3 points, this one has " + std::to_string(offsets[i] - offsets[i - 1]));
+    }
+  }
+  checkPoints(points.data(), points.size());
+  if (polygonCount() == 0) {
+    offsets_ = std::move(offsets);
+    corners_ = std::move(points);
+  } else {
+    const std::uint32_t start = offsets_.back();
+    corners_.insert(corners_.end(), points.begin(), points.end());
+    offsets_.reserve(offsets_.size() + offsets.size() - 1);
+    for (std::size_t i = 1; i < offsets.size(); ++i) offsets_.push_back(start + offsets[i]);
+  }
   changed();
 }
 
@@ -198,6 +232,26 @@ void MeshData::setPointValues(std::size_t map, std::vector<float>&& values) {
   m.pointHas_.assign((count + 63) / 64, ~std::uint64_t(0));
   if (count % 64) m.pointHas_.back() = (std::uint64_t(1) << (count % 64)) - 1;
   m.pointValueCount_ = count;
+}
+
+void MeshData::setPointValues(std::size_t map, std::uint32_t first, std::size_t count, const float* values) {
+  checkMap(map);
+  if (count == 0) return;
+  if (first >= points_.size() || count > points_.size() - first) {
+    const std::size_t missing = std::max<std::size_t>(first, points_.size());
+    throw MeshError("vertex map \"" + maps_[map]->name() + "\": point " + std::to_string(missing) +
+                    " does not exist: the mesh has " + std::to_string(points_.size()) + " points");
+  }
+  VertexMap& m = *maps_[map];
+  // The first value sizes the map to the whole mesh, as setPointValue does, then all are copied at once.
+  m.setPointValue(first, values, points_.size());
+  std::copy(values, values + count * m.dimension(), m.pointValues_.begin() + std::ptrdiff_t(first) * m.dimension());
+  for (std::size_t p = first; p < first + count; ++p) {
+    std::uint64_t& word = m.pointHas_[p >> 6];
+    const std::uint64_t bit = std::uint64_t(1) << (p & 63);
+    m.pointValueCount_ += !(word & bit);
+    word |= bit;
+  }
 }
 
 void MeshData::setCornerValue(std::size_t map, std::uint32_t polygon, std::uint32_t point, const float* values) {

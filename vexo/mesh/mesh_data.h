@@ -63,6 +63,9 @@ class MeshData {
   std::size_t pointCount() const { return points_.size(); }
   const Vec3& point(std::uint32_t index) const { return points_[index]; }
   const std::vector<Vec3>& points() const { return points_; }
+  // Every point at once: a mesh without points yet takes the array over
+  // rather than copying it; otherwise the points are appended.
+  void setPoints(std::vector<Vec3>&& points);
 
   // --- polygons: at least 3 vertices, each an existing point
   std::uint32_t addPolygon(const std::uint32_t* points, std::size_t count);
@@ -71,6 +74,10 @@ class MeshData {
   }
   // `polygonCount` polygons of `verticesEach` vertices each, point numbers back to back.
   void appendPolygons(std::size_t verticesEach, const std::uint32_t* points, std::size_t polygonCount);
+  // Every polygon at once: polygon i's point numbers are
+  // points[offsets[i] .. offsets[i + 1]), with offsets[0] == 0. A mesh without
+  // polygons yet takes both arrays over; otherwise the polygons are appended.
+  void setPolygons(std::vector<std::uint32_t>&& offsets, std::vector<std::uint32_t>&& points);
   std::size_t polygonCount() const { return offsets_.size() - 1; }
   std::size_t cornerCount() const { return corners_.size(); }
   unsigned polygonSize(std::uint32_t polygon) const { return offsets_[polygon + 1] - offsets_[polygon]; }
@@ -110,6 +117,8 @@ class MeshData {
   // The same from an array of pointCount() * dimension() values, which a map
   // without point values yet takes over rather than copies.
   void setPointValues(std::size_t map, std::vector<float>&& values);
+  // Values for `count` points from point `first`, dimension() floats each, back to back.
+  void setPointValues(std::size_t map, std::uint32_t first, std::size_t count, const float* values);
   // The value at the corner of `polygon` that uses `point`.
   void setCornerValue(std::size_t map, std::uint32_t polygon, std::uint32_t point, const float* values);
   // Values for `count` consecutive corners from corner `first`.

@@ -35,10 +35,49 @@ void triangulateAll(const MeshData& mesh, MeshGeometry& g) {
   }
 }
 
+// triangulateAll for a mesh of triangles and quads only: the same sums in
+// the same order, with the positions read straight from the mesh and Newell's
+// sum unrolled.
+void triangulateSmall(const MeshData& mesh, MeshGeometry& g) {
+  const std::size_t polygons = mesh.polygonCount();
+  g.triangles.resize(mesh.triangleCount() * 3);
+  g.polygonNormals.resize(polygons);
+  g.polygonAreas.resize(polygons);
+  TriangulationScratch scratch;  // quads need none
+  const Vec3* points = mesh.points().data();
+  std::uint32_t* tri = g.triangles.data();
+  for (std::uint32_t p = 0; p < polygons; ++p) {
+    const std::uint32_t* pts = mesh.polygonPoints(p);
+    const bool quad = mesh.polygonSize(p) == 4;
+    const Vec3 positions[4] = {points[pts[0]], points[pts[1]], points[pts[2]], quad ? points[pts[3]] : Vec3{}};
+    const Vec3 newell = quad ? newellNormalOf<4>(positions) : newellNormalOf<3>(positions);
+    const double len = length(newell);
+    g.polygonNormals[p] = len > 0.0 ? newell * (1.0 / len) : kNoAreaNormal;
+    g.polygonAreas[p] = 0.5 * len;
+    if (quad) {
+      triangulatePolygon(positions, 4, newell, scratch, tri);
+      for (unsigned k = 0; k < 6; ++k) tri[k] = pts[tri[k]];
+      tri += 6;
+    } else {
+      tri[0] = pts[0];
+      tri[1] = pts[1];
+      tri[2] = pts[2];
+      tri += 3;
+    }
+  }
+}
+
+bool onlyTrianglesAndQuads(const MeshData& mesh) {
+  for (std::uint32_t p = 0, polygons = std::uint32_t(mesh.polygonCount()); p < polygons; ++p)
+    if (mesh.polygonSize(p) > 4) return false;
+  return true;
+}
+
 // Point-to-polygon adjacency in compressed rows: the polygons around point v
-// are polygons[begin[v] .. end[v]), in polygon order, each once.
+// are polygons[begin[v] .. end[v]), in polygon order, each once, and
+// corners[i] is polygons[i]'s first corner at v.
 struct PointPolygons {
-  std::vector<std::uint32_t> begin, end, polygons;
+  std::vector<std::uint32_t> begin, end, polygons, corners;
 
   explicit PointPolygons(const MeshData& mesh) {
     const std::size_t points = mesh.pointCount();
@@ -51,22 +90,20 @@ struct PointPolygons {
     for (std::size_t v = 0; v < points; ++v) begin[v + 1] += begin[v];
     end.assign(begin.begin(), begin.end() - 1);
     polygons.resize(mesh.cornerCount());
+    corners.resize(mesh.cornerCount());
     for (std::uint32_t p = 0; p < polygonTotal; ++p) {
       const std::uint32_t* pts = mesh.polygonPoints(p);
+      const std::uint32_t first = mesh.firstCorner(p);
       for (unsigned k = 0, n = mesh.polygonSize(p); k < n; ++k) {
         std::uint32_t& e = end[pts[k]];
         // A point that repeats within a polygon lists that polygon once.
         if (e > begin[pts[k]] && polygons[e - 1] == p) continue;
+        corners[e] = first + k;
         polygons[e++] = p;
       }
     }
   }
 };
-
-// The normal of polygon q's corner at point v, already computed.
-std::uint32_t cornerIndexOf(const MeshData& mesh, const MeshGeometry& g, std::uint32_t q, std::uint32_t v) {
-  return g.cornerNormalIndex[mesh.corner(q, v)];
-}
 
 bool sameBits(const Vec3& a, const Vec3& b) { return a.x == b.x && a.y == b.y && a.z == b.z; }
 
@@ -97,7 +134,7 @@ void smoothCorners(const MeshData& mesh, MeshGeometry& g) {
       // Share the entry of an earlier corner at this point that came out the same.
       std::uint32_t index = std::uint32_t(g.normals.size());
       for (i = around.begin[v]; i < around.end[v] && around.polygons[i] < p; ++i) {
-        const std::uint32_t earlier = cornerIndexOf(mesh, g, around.polygons[i], v);
+        const std::uint32_t earlier = g.cornerNormalIndex[around.corners[i]];
         if (sameBits(g.normals[earlier], normal)) {
           index = earlier;
           break;
@@ -112,6 +149,16 @@ void smoothCorners(const MeshData& mesh, MeshGeometry& g) {
 }  // namespace
 
 MeshGeometry buildMeshGeometry(const MeshData& mesh) {
+  MeshGeometry g;
+  if (onlyTrianglesAndQuads(mesh))
+    triangulateSmall(mesh, g);
+  else
+    triangulateAll(mesh, g);
+  smoothCorners(mesh, g);
+  return g;
+}
+
+MeshGeometry buildMeshGeometryAnyPolygons(const MeshData& mesh) {
   MeshGeometry g;
   triangulateAll(mesh, g);
   smoothCorners(mesh, g);

@@ -36,5 +36,8 @@ struct MeshGeometry {
 };
 
 MeshGeometry buildMeshGeometry(const MeshData& mesh);
+// The same without the quicker path buildMeshGeometry takes for meshes of
+// triangles and quads; the results are the same bit for bit.
+MeshGeometry buildMeshGeometryAnyPolygons(const MeshData& mesh);
 
 }  // namespace vexo

@@ -163,13 +163,7 @@ class EarClipper {
 Vec3 newellNormal(const Vec3* positions, unsigned count) {
   Vec3 n;
   const Vec3 origin = positions[0];
-  for (unsigned i = 0; i < count; ++i) {
-    const Vec3 a = positions[i] - origin;
-    const Vec3 b = positions[i + 1 == count ? 0 : i + 1] - origin;
-    n.x += (a.y - b.y) * (a.z + b.z);
-    n.y += (a.z - b.z) * (a.x + b.x);
-    n.z += (a.x - b.x) * (a.y + b.y);
-  }
+  for (unsigned i = 0; i < count; ++i) addNewellEdge(n, origin, positions[i], positions[i + 1 == count ? 0 : i + 1]);
   return n;
 }
 

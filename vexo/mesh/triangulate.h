@@ -33,6 +33,24 @@ struct TriangulationScratch {
 // is twice the polygon's area (for a planar polygon).
 Vec3 newellNormal(const Vec3* positions, unsigned count);
 
+// One edge's share of Newell's normal, relative to the polygon's first vertex.
+inline void addNewellEdge(Vec3& n, const Vec3& origin, const Vec3& from, const Vec3& to) {
+  const Vec3 a = from - origin;
+  const Vec3 b = to - origin;
+  n.x += (a.y - b.y) * (a.z + b.z);
+  n.y += (a.z - b.z) * (a.x + b.x);
+  n.z += (a.x - b.x) * (a.y + b.y);
+}
+
+// newellNormal of a polygon whose size is known when compiling (triangles,
+// quads): the same sums in the same order, unrolled.
+template <unsigned N>
+Vec3 newellNormalOf(const Vec3* positions) {
+  Vec3 n;
+  for (unsigned i = 0; i < N; ++i) addNewellEdge(n, positions[0], positions[i], positions[i + 1 == N ? 0 : i + 1]);
+  return n;
+}
+
 // `normal` is the polygon's Newell normal (any length; zero for a polygon without area).
 void triangulatePolygon(const Vec3* positions, unsigned count, const Vec3& normal, TriangulationScratch& scratch,
                         std::uint32_t* out);

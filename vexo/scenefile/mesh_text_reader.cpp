@@ -296,9 +296,7 @@ class MeshText {
       unsigned n = 0;
       const bool read = array([&] { return n < 3 && number(xyz[n++]); });
       if (!read || n != 3) return false;
-      xyz_.push_back(xyz[0]);
-      xyz_.push_back(xyz[1]);
-      xyz_.push_back(xyz[2]);
+      points_.push_back({xyz[0], xyz[1], xyz[2]});
       return true;
     });
   }
@@ -312,7 +310,7 @@ class MeshText {
         return true;
       });
       if (!read || corners_.size() > 0xffffffffu) return false;
-      polygonEnds_.push_back(static_cast<std::uint32_t>(corners_.size()));
+      offsets_.push_back(static_cast<std::uint32_t>(corners_.size()));
       return true;
     });
   }
@@ -396,9 +394,9 @@ class MeshText {
   const char* end_;
 
   unsigned seen_ = 0;  // the mesh's members, a bit each
-  std::vector<double> xyz_;
+  std::vector<Vec3> points_;
   std::vector<std::uint32_t> corners_;
-  std::vector<std::uint32_t> polygonEnds_;
+  std::vector<std::uint32_t> offsets_{0};  // where each polygon starts in corners_, and where the last ends
   std::vector<TagRun> tagRuns_;
   double smoothingAngle_ = 0.0;
   std::vector<MapText> maps_;
@@ -406,23 +404,9 @@ class MeshText {
 
 bool MeshText::build(MeshData& mesh) {
   try {
-    if (seen_ & 1) mesh.appendPoints(xyz_.data(), xyz_.size() / 3);
-    if (seen_ & 2) {
-      const std::size_t count = polygonEnds_.size();
-      const std::uint32_t size = count ? polygonEnds_[0] : 0;
-      bool even = true;
-      for (std::size_t i = 1; i < count && even; ++i) even = polygonEnds_[i] - polygonEnds_[i - 1] == size;
-      if (even && count) {
-        mesh.appendPolygons(size, corners_.data(), count);
-      } else {
-        mesh.reserve(mesh.pointCount(), count, corners_.size());
-        std::uint32_t start = 0;
-        for (std::uint32_t end : polygonEnds_) {
-          mesh.addPolygon(corners_.data() + start, end - start);
-          start = end;
-        }
-      }
-    }
+    // The mesh takes the arrays over whole.
+    if (seen_ & 1) mesh.setPoints(std::move(points_));
+    if (seen_ & 2) mesh.setPolygons(std::move(offsets_), std::move(corners_));
     if (seen_ & 4) {
       const std::size_t tags = tagRuns_.empty() ? 0 : std::size_t(tagRuns_.back().first) + tagRuns_.back().count;
       if (tags != mesh.polygonCount()) return false;
