@@ -75,6 +75,9 @@ class CVxMesh {
   // Values per element of a map (3 for "NORM", 2 for "TXUV").
   unsigned mapDimension(VxMapID map) const { return mesh_ ? mesh_->MapDimension(map) : 0; }
 
+  // The map's point and corner values as the host keeps them; false when it cannot hand them out.
+  bool mapArrays(VxMapID map, VxMapArrays& arrays) const { return mesh_ && VxOk(mesh_->MapArrays(map, &arrays)); }
+
   // Walks every polygon in index order; false when the walk stopped before the end.
   bool visitPolygons(CVxPolygonVisitor& visitor) const;
 

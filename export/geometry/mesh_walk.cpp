@@ -5,14 +5,32 @@
 
 namespace {
 
+// One map read from the host as arrays, and the walk's place among its corner values.
+struct MapCursor {
+  VxMapArrays arrays;
+  std::size_t next = 0;  // the first corner entry not before the current polygon
+};
+
 class PolygonFeeder : public CVxPolygonVisitor, public CornerReader {
  public:
-  PolygonFeeder(const MeshMaps& maps, MeshBuilder& builder, MeshWalk& walk)
-      : maps_(maps), builder_(builder), walk_(walk) {}
+  PolygonFeeder(const CVxMesh& mesh, const MeshMaps& maps, MeshBuilder& builder, MeshWalk& walk)
+      : maps_(maps), builder_(builder), walk_(walk) {
+    // The maps in the order of the corner layout, the normal first.
+    std::vector<VxMapID> ids;
+    if (maps.normal != VX_MAP_NONE) ids.push_back(maps.normal);
+    ids.insert(ids.end(), maps.colours.begin(), maps.colours.end());
+    ids.insert(ids.end(), maps.uvs.begin(), maps.uvs.end());
+    ids.insert(ids.end(), maps.tangentBases.begin(), maps.tangentBases.end());
+    cursors_.resize(ids.size());
+    fromArrays_ = true;
+    for (std::size_t i = 0; i < ids.size() && fromArrays_; ++i) fromArrays_ = mesh.mapArrays(ids[i], cursors_[i].arrays);
+  }
 
   bool polygon(const CVxPolygon& polygon) override {
     ++walk_.polygonsVisited;
     const unsigned vertexCount = polygon.vertexCount();
+    firstCorner_ = nextCorner_;
+    nextCorner_ += vertexCount;
     points_.resize(vertexCount);
     for (unsigned v = 0; v < vertexCount; ++v) points_[v] = polygon.point(v);
 
@@ -35,6 +53,7 @@ class PolygonFeeder : public CVxPolygonVisitor, public CornerReader {
   void readCorners(const unsigned* points, unsigned count, double* normals, float* values,
                    std::size_t stride) override {
     const CVxPolygon& polygon = *polygon_;
+    if (fromArrays_ && count == polygon.vertexCount()) return readFromArrays(points, count, normals, values, stride);
     // One host call per map for the whole polygon, where the host can.
     std::size_t offset = 0;
     if (maps_.normal != VX_MAP_NONE) {
@@ -114,6 +133,82 @@ class PolygonFeeder : public CVxPolygonVisitor, public CornerReader {
   }
 
  private:
+  // The same as the host's per-polygon reads, looked up in the maps' arrays.
+  void readFromArrays(const unsigned* points, unsigned count, double* normals, float* values, std::size_t stride) {
+    MapCursor* cursor = cursors_.data();
+    if (maps_.normal != VX_MAP_NONE) {
+      const Corners corners = cornersOf(*cursor, count);
+      for (unsigned c = 0; c < count; ++c) {
+        double* normal = normals + 3 * std::size_t(c);
+        if (const float* in = valueAt(*cursor, corners, c, points[c])) {
+          normal[0] = in[0], normal[1] = in[1], normal[2] = in[2];
+        } else {
+          polygon_->cornerNormal(points[c], normal);
+        }
+      }
+      ++cursor;
+    } else {
+      for (unsigned c = 0; c < count; ++c) polygon_->cornerNormal(points[c], normals + 3 * std::size_t(c));
+    }
+
+    std::size_t offset = 0;
+    for (std::size_t i = 0; i < maps_.colours.size(); ++i, ++cursor, offset += 4) {
+      const Corners corners = cornersOf(*cursor, count);
+      const bool alpha = maps_.colourHasAlpha[i];
+      for (unsigned c = 0; c < count; ++c) {
+        float* out = values + stride * c + offset;
+        const float* in = valueAt(*cursor, corners, c, points[c]);
+        if (!in) {
+          out[0] = out[1] = out[2] = out[3] = 0.0f;
+          continue;
+        }
+        out[0] = in[0], out[1] = in[1], out[2] = in[2];
+        out[3] = alpha ? in[3] : 1.0f;
+      }
+    }
+    for (std::size_t i = 0; i < maps_.uvs.size(); ++i, ++cursor, offset += 3) {
+      const Corners corners = cornersOf(*cursor, count);
+      for (unsigned c = 0; c < count; ++c) {
+        float* out = values + stride * c + offset;
+        const float* in = valueAt(*cursor, corners, c, points[c]);
+        out[0] = in ? in[0] : 0.0f;
+        out[1] = in ? in[1] : 0.0f;
+        out[2] = in ? 1.0f : 0.0f;
+      }
+    }
+    for (std::size_t i = 0; i < maps_.tangentBases.size(); ++i, ++cursor, offset += 6) {
+      const Corners corners = cornersOf(*cursor, count);
+      for (unsigned c = 0; c < count; ++c) {
+        float* out = values + stride * c + offset;
+        const float* in = valueAt(*cursor, corners, c, points[c]);
+        for (int k = 0; k < 6; ++k) out[k] = in ? in[k] : 0.0f;
+      }
+    }
+  }
+
+  // The entries of a map's corner values that belong to the current polygon.
+  struct Corners {
+    std::size_t begin, end;
+    bool all;  // every corner of the polygon has one: corner c is entry begin + c
+  };
+  Corners cornersOf(MapCursor& cursor, unsigned count) const {
+    const VxMapArrays& a = cursor.arrays;
+    while (cursor.next < a.cornerCount && a.cornerIds[cursor.next] < firstCorner_) ++cursor.next;
+    std::size_t end = cursor.next;
+    while (end < a.cornerCount && a.cornerIds[end] < firstCorner_ + count) ++end;
+    return {cursor.next, end, end - cursor.next == count};
+  }
+  // The corner's own value, else its point's, else null.
+  const float* valueAt(const MapCursor& cursor, const Corners& corners, unsigned slot, unsigned point) const {
+    const VxMapArrays& a = cursor.arrays;
+    if (corners.all) return a.cornerValues + (corners.begin + slot) * a.dimension;
+    for (std::size_t i = corners.begin; i < corners.end; ++i)
+      if (a.cornerIds[i] == firstCorner_ + slot) return a.cornerValues + i * a.dimension;
+    if (point < a.pointCount && (a.pointHas[point >> 6] >> (point & 63) & 1u))
+      return a.pointValues + std::size_t(point) * a.dimension;
+    return nullptr;
+  }
+
   // The map's values at every corner into scratch_ and found_; false when the host cannot.
   bool read(const CVxPolygon& polygon, VxMapID map, unsigned count) {
     // Sized for the widest map, so reading the next map never refills them.
@@ -128,6 +223,9 @@ class PolygonFeeder : public CVxPolygonVisitor, public CornerReader {
   MeshBuilder& builder_;
   MeshWalk& walk_;
   const CVxPolygon* polygon_ = nullptr;
+  bool fromArrays_ = false;
+  std::vector<MapCursor> cursors_;  // the normal map's, then in the corner layout's order
+  std::uint32_t firstCorner_ = 0, nextCorner_ = 0;  // the current polygon's first corner, the next one's
   std::vector<unsigned> points_;
   std::vector<unsigned> triangles_;
   std::vector<float> scratch_;
@@ -138,7 +236,7 @@ class PolygonFeeder : public CVxPolygonVisitor, public CornerReader {
 
 MeshWalk walkMesh(const CVxMesh& mesh, const MeshMaps& maps, MeshBuilder& builder) {
   MeshWalk walk;
-  PolygonFeeder feeder(maps, builder, walk);
+  PolygonFeeder feeder(mesh, maps, builder, walk);
   walk.complete = mesh.visitPolygons(feeder);
   return walk;
 }

@@ -7,6 +7,7 @@
 // over the point's value at that corner.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "vexo/vx_result.h"
@@ -82,6 +83,20 @@ class IVxMapPointVisitor {
   ~IVxMapPointVisitor() = default;
 };
 
+// A map's values as the host keeps them, for a reader that walks the whole
+// mesh. Corners are numbered across the mesh in polygon order: the corners of
+// polygon p follow those of polygons 0 to p-1, in vertex order. A corner's own
+// value wins over its point's. Valid until the mesh changes.
+struct VxMapArrays {
+  unsigned dimension = 0;
+  unsigned pointCount = 0;                   // points from here on have no value
+  const float* pointValues = nullptr;        // `dimension` floats per point
+  const std::uint64_t* pointHas = nullptr;   // point p has a value: bit (p & 63) of word p / 64
+  std::size_t cornerCount = 0;
+  const std::uint32_t* cornerIds = nullptr;  // the corners with a value, ascending
+  const float* cornerValues = nullptr;       // `dimension` floats per entry of cornerIds
+};
+
 class IVxMesh {
  public:
   // Stable while the scene is loaded; instances return their source's mesh.
@@ -106,6 +121,13 @@ class IVxMesh {
   virtual VxResult MapEnumeratePoints(VxMapID map, IVxMapPointVisitor* visitor) {
     (void)map;
     (void)visitor;
+    return VXR_NOTIMPL;
+  }
+
+  // The map's point and corner values as flat arrays. Hosts without it say VXR_NOTIMPL.
+  virtual VxResult MapArrays(VxMapID map, VxMapArrays* arrays) {
+    (void)map;
+    (void)arrays;
     return VXR_NOTIMPL;
   }
 

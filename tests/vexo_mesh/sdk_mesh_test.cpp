@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <random>
 #include <vector>
@@ -55,7 +56,7 @@ TEST(SdkMesh, MapsByTypeInCreationOrder) {
 // Corner values written in scrambled order, some twice, over a map with some
 // point values: every corner answers its own value, else its point's, else
 // VXR_NOTFOUND.
-TEST(SdkMesh, MapEvaluatePrefersTheCornerThenThePointOneCornerOrAllAtOnce) {
+TEST(SdkMesh, MapEvaluatePrefersTheCornerThenThePointOneCornerAllAtOnceOrFromTheArrays) {
   MeshData data;
   test::addCylinder(data, 16);
   const std::size_t uv = data.addMap(VX_VMAP_TEXTUREUV, "uv"), rgb = data.addMap(VX_VMAP_RGB, "rgb");
@@ -70,6 +71,19 @@ TEST(SdkMesh, MapEvaluatePrefersTheCornerThenThePointOneCornerOrAllAtOnce) {
     if (i % 4 == 0) data.setPointValue(uv, std::uint32_t(rng() % data.pointCount()), v);
   }
   SdkMesh mesh(data);
+  VxMapArrays arrays[2];
+  ASSERT_EQ(mesh.MapArrays(VxMapID(uv + 1), &arrays[0]), VXR_OK);
+  ASSERT_EQ(mesh.MapArrays(VxMapID(rgb + 1), &arrays[1]), VXR_OK);
+  EXPECT_EQ(mesh.MapArrays(VX_MAP_NONE, &arrays[0]), VXR_BADARG);
+  // What a reader of the arrays finds at a corner: its own value, else its point's.
+  auto fromArrays = [](const VxMapArrays& a, std::uint32_t corner, unsigned point) -> const float* {
+    const std::uint32_t* end = a.cornerIds + a.cornerCount;
+    const std::uint32_t* at = std::lower_bound(a.cornerIds, end, corner);
+    if (at != end && *at == corner) return a.cornerValues + std::size_t(at - a.cornerIds) * a.dimension;
+    if (point < a.pointCount && (a.pointHas[point / 64] >> (point % 64) & 1u)) return a.pointValues + point * a.dimension;
+    return nullptr;
+  };
+  for (const VxMapArrays& a : arrays) EXPECT_TRUE(std::is_sorted(a.cornerIds, a.cornerIds + a.cornerCount));
   std::size_t corners = 0, fromCorner = 0, fromPoint = 0, missing = 0;
   Visitor visit([&](const IVxPolygon& poly) {
     for (unsigned k = 0; k < poly.VertexCount(); ++k, ++corners) {
@@ -81,6 +95,9 @@ TEST(SdkMesh, MapEvaluatePrefersTheCornerThenThePointOneCornerOrAllAtOnce) {
         const VxResult r = poly.MapEvaluate(VxMapID(m + 1), point, got);
         EXPECT_EQ(r, want ? VXR_OK : VXR_NOTFOUND);
         for (unsigned d = 0; want && d < data.map(m).dimension(); ++d) EXPECT_EQ(got[d], want[d]);
+        const float* inArrays = fromArrays(arrays[m == uv ? 0 : 1], data.firstCorner(poly.Index()) + k, point);
+        EXPECT_EQ(inArrays != nullptr, want != nullptr);
+        for (unsigned d = 0; want && inArrays && d < data.map(m).dimension(); ++d) EXPECT_EQ(inArrays[d], want[d]);
         (own ? fromCorner : want ? fromPoint : missing)++;
       }
     }

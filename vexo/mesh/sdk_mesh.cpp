@@ -261,6 +261,21 @@ VxResult SdkMesh::MapEnumeratePoints(VxMapID map, IVxMapPointVisitor* visitor) {
   return VXR_OK;
 }
 
+VxResult SdkMesh::MapArrays(VxMapID map, VxMapArrays* arrays) {
+  const std::size_t m = mapIndex(map);
+  if (m == kNoMap || !arrays) return VXR_BADARG;
+  const VertexMap& vmap = mesh_->map(m);
+  const std::vector<std::uint32_t>& ids = vmap.cornerIds();  // sorts first: values follow
+  arrays->dimension = vmap.dimension();
+  arrays->pointCount = unsigned(std::min(vmap.pointCapacity(), mesh_->pointCount()));
+  arrays->pointValues = vmap.pointValueData();
+  arrays->pointHas = vmap.pointHasBits();
+  arrays->cornerCount = ids.size();
+  arrays->cornerIds = ids.data();
+  arrays->cornerValues = vmap.cornerValueAt(0);
+  return VXR_OK;
+}
+
 VxResult SdkMesh::VisitPolygons(IVxPolygonVisitor* visitor) {
   if (!visitor) return VXR_BADARG;
   WalkPolygon polygon(*mesh_);

@@ -37,6 +37,7 @@ class SdkMesh final : public IVxMesh {
   unsigned MapValueCount(VxMapID map) override;
   VxResult MapPointValue(VxMapID map, unsigned point, float* values) override;
   VxResult MapEnumeratePoints(VxMapID map, IVxMapPointVisitor* visitor) override;
+  VxResult MapArrays(VxMapID map, VxMapArrays* arrays) override;
 
   VxResult VisitPolygons(IVxPolygonVisitor* visitor) override;
 

@@ -40,6 +40,13 @@ class VertexMap {
   const std::vector<std::uint32_t>& cornerIds() const;
   const float* cornerValueAt(std::size_t entry) const { return cornerValues_.data() + entry * dimension_; }
 
+  // The dense point values, `dimension()` floats for each of the first
+  // `pointCapacity()` points, and a presence bit per point (bit p & 63 of
+  // word p >> 6); points past the capacity have no value.
+  std::size_t pointCapacity() const { return pointCapacity_; }
+  const float* pointValueData() const { return pointValues_.data(); }
+  const std::uint64_t* pointHasBits() const { return pointHas_.data(); }
+
  private:
   friend class MeshData;
 
